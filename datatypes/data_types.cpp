@@ -1,0 +1,1 @@
+#include "datatypes/data_types.h"

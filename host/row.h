@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "datatypes/data_value.h"
+#include "host/export.h"
+
+namespace KORVEX::Zel::DB {
+
+// One result row: typed values in column order. Owns the malloc'ed buffers that were handed over.
+class ZEL_EXPORT Row {
+ public:
+  Row();
+  ~Row();  // frees every buffer that was handed over
+  Row(const Row&) = delete;
+  Row& operator=(const Row&) = delete;
+
+  // Appends a column. With `handOver`, the text or bytes that a non-null string or binary cell
+  // points at (from malloc) belong to the row from now on; if appending throws, they stay the
+  // caller's.
+  void addColumn(unsigned int type, const DataTypes::DataValue& value, bool handOver);
+
+  std::size_t getNumColumns() const;
+  // Index from 0; it must be below getNumColumns().
+  unsigned int getColumnType(std::size_t index) const;
+  const DataTypes::DataValue& getColumnValue(std::size_t index) const;
+
+ private:
+  struct Column {
+    unsigned int type;
+    DataTypes::DataValue value;
+    bool owned;
+  };
+  std::vector<Column> columns_;
+};
+
+}  // namespace KORVEX::Zel::DB
