@@ -1,0 +1,51 @@
+#include "host/row.h"
+
+#include <cstdlib>
+
+namespace KORVEX::Zel::DB {
+namespace {
+
+// The buffer that a string or binary cell points at; null for other types and for NULL.
+const void* bufferOf(unsigned int type, const DataTypes::DataValue& value) {
+  if (value.isNull()) {
+    return nullptr;
+  }
+  switch (DataTypes::typeNumber(type)) {
+    case DataTypes::kString:
+      return value.string;
+    case DataTypes::kBinary:
+      return value.binary.data;
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace
+
+Row::Row() = default;
+
+Row::~Row() {
+  for (const Column& column : columns_) {
+    if (column.owned) {
+      std::free(const_cast<void*>(bufferOf(column.type, column.value)));
+    }
+  }
+}
+
+void Row::addColumn(unsigned int type, const DataTypes::DataValue& value, bool handOver) {
+  columns_.push_back({type, value, handOver});
+}
+
+std::size_t Row::getNumColumns() const {
+  return columns_.size();
+}
+
+unsigned int Row::getColumnType(std::size_t index) const {
+  return columns_[index].type;
+}
+
+const DataTypes::DataValue& Row::getColumnValue(std::size_t index) const {
+  return columns_[index].value;
+}
+
+}  // namespace KORVEX::Zel::DB

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "host/host.h"
+
+namespace KORVEX::Zel::DB {
+namespace {
+
+const void* mallocCopy(const char* text) {
+  return strdup(text);
+}
+
+TEST(Row, FreesTheBuffersHandedOverAndNoOthers) {
+  // The leak and address checkers tell when a buffer is freed too seldom or too often.
+  char own[] = "mine";
+  DataTypes::DataValue text;
+  DataTypes::DataValue bytes;
+  DataTypes::DataValue null;
+  null.setNull();
+  {
+    Row row;
+    text.string = static_cast<const char*>(mallocCopy("theirs"));
+    row.addColumn(DataTypes::kString, text, true);
+    bytes.binary = {static_cast<const unsigned char*>(mallocCopy("raw")), 3};
+    row.addColumn(DataTypes::kBinary, bytes, true);
+    text.string = own;
+    row.addColumn(DataTypes::kString, text, false);
+    null.string = own;
+    row.addColumn(DataTypes::kString, null, true);
+    null.int64 = 4711;
+    row.addColumn(DataTypes::kLong, null, true);
+    ASSERT_EQ(row.getNumColumns(), 5U);
+    EXPECT_STREQ(row.getColumnValue(0).string, "theirs");
+    EXPECT_EQ(row.getColumnValue(1).binary.length, 3U);
+    EXPECT_EQ(row.getColumnType(1), 28U);
+    EXPECT_TRUE(row.getColumnValue(3).isNull());
+  }
+  EXPECT_STREQ(own, "mine");
+}
+
+TEST(RowDescriptor, TellsTypesByIndexFromZero) {
+  const RowDescriptor descriptor({5, 0x80C21E});
+  EXPECT_EQ(descriptor.getNumColumns(), 2);
+  EXPECT_EQ(descriptor.getColumnType(0), 5U);
+  EXPECT_EQ(descriptor.getColumnType(1), 0x80C21EU);
+}
+
+TEST(DBError2, ReadsItsFieldsThroughTheOperations) {
+  struct Record : DBError2 {
+  } record;
+  const DBError& error = record;
+  EXPECT_STREQ(error.getErrorString(), "");
+  EXPECT_EQ(error.getNativeErrorCode(), 0);
+  EXPECT_FALSE(error.isConnectionError());
+  record.service = "orders";
+  record.errorSource = "odbc";
+  record.nativeErrorCode = -7;
+  record.errorString = "gone";
+  record.connectionError = true;
+  EXPECT_STREQ(error.getService(), "orders");
+  EXPECT_STREQ(error.getErrorSource(), "odbc");
+  EXPECT_EQ(error.getNativeErrorCode(), -7);
+  EXPECT_STREQ(error.toString(), "gone");
+  EXPECT_TRUE(error.isConnectionError());
+  EXPECT_FALSE(error.isSuccessWithInfo());
+}
+
+TEST(Driver, NamesTheKeyOfTheDatabaseType) {
+  EXPECT_EQ(Driver::PROPERTY_KEY_DATABASE_TYPE, "DatabaseType");
+}
+
+}  // namespace
+}  // namespace KORVEX::Zel::DB
