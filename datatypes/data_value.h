@@ -12,6 +12,10 @@ namespace DataTypes {
 struct BinaryValue {
   const unsigned char* data;
   std::uint32_t length;  // bytes
+
+  // Compares byte by byte, a shorter value before a longer one that begins with it. Returns a
+  // negative number, 0 or a positive number. Defined by the value library.
+  int compare(const BinaryValue& other) const;
 };
 
 // One value, or NULL. The cell does not know its own type: whoever hands it on says the type code.

@@ -1,0 +1,35 @@
+#pragma once
+
+// Seconds since 1970-01-01 00:00:00 UTC and broken-down time in the Gregorian calendar. Unlike the
+// C library's functions these take no lock (tm2sec does for years before 1970).
+
+#include <ctime>
+
+namespace DataTypes {
+
+// Days from 1970-01-01 to a date of the proleptic Gregorian calendar. `month` is 1 to 12; any day
+// number is allowed and counts on.
+constexpr long daysFromCivil(long year, int month, long day) {
+  const long marchYear = month <= 2 ? year - 1 : year;
+  const long era = (marchYear >= 0 ? marchYear : marchYear - 399) / 400;
+  const long yearOfEra = marchYear - era * 400;
+  const long dayOfYear = (153L * (month > 2 ? month - 3 : month + 9) + 2) / 5 + day - 1;
+  return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
+}
+
+// Seconds since the epoch of a broken-down UTC time, or -1 when they are negative or the month is
+// outside 0 to 11. Weekday, day of year and daylight flag are ignored; fields out of range count
+// on.
+// Kept: years before 1970 are handed to mktime, that is to the process's time zone.
+long tm2sec(const std::tm* t);
+
+// Seconds since the epoch of a broken-down UTC time, right for every year and whatever the
+// process's time zone is. Months outside 0 to 11 carry into the year, other fields out of range
+// count on.
+long tm2secUtc(const std::tm* t);
+
+// Breaks seconds down in UTC with the results of gmtime_r. Returns false, and leaves `out` alone,
+// when the year does not fit an int.
+bool breakDownUtc(long seconds, std::tm& out);
+
+}  // namespace DataTypes
