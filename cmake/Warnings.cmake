@@ -5,5 +5,6 @@ add_library(zel_options INTERFACE)
 target_compile_options(
   zel_options
   INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow
-            $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast> $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
+            $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
+            $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
             $<$<BOOL:${ZEL_WERROR}>:-Werror>)
