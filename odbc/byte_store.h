@@ -7,7 +7,8 @@ namespace KORVEX::Zel::DB::ODBC {
 
 // A growable byte buffer. While it holds a block, the byte behind its contents is NUL, so that they
 // can be read as a C string. Offsets and counts are in bytes. An operation that cannot get memory
-// (or would pass 4 GiB) returns 0 and leaves the contents as they were; nothing throws.
+// (or would pass 4 GiB) leaves the contents as they were, and Grow, Append, Ins and Jam return 0
+// then; nothing throws.
 class ByteStore {
  public:
   // A count of this value: the length is that of the NUL-terminated argument.
@@ -56,7 +57,8 @@ class ByteStore {
     return Trunc(newLength, keepTail, 0);
   }
 
-  // Removes `count` bytes (fewer at the end) into `removed`, unless that is null. Returns how many.
+  // Removes `count` bytes (fewer at the end) into `removed`, another store, unless that is null.
+  // Returns how many.
   int Snip(unsigned int offset, int count, ByteStore* removed);
   // Insert bytes, or `count` times `fill`. Both return `count`, or 0.
   int Ins(unsigned int offset, const unsigned char* bytes, int count);
@@ -91,8 +93,11 @@ class ByteStore {
                         bool mostSignificantFirst);
 
  private:
-  bool makeRoom(std::uint64_t newCapacity);
-  void release();
+  bool reserve(std::uint64_t newCapacity);
+  bool holds(const unsigned char* bytes) const;
+  unsigned int lengthen(std::uint64_t newLength, bool inFront, const char* fill);
+  std::uint64_t roomForInsert(unsigned int offset, int count) const;
+  void moveUp(unsigned int offset, unsigned int count);
   void terminate() { data_[length_] = 0; }
 
   unsigned char* data_ = nullptr;
