@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "odbc/column_rules.h"
+#include "odbc/odbc_cell.h"
+#include "odbc/odbc_col.h"
+
+namespace KORVEX::Zel::DB::ODBC {
+
+// A result column: describes itself when it is made, and pulls its value after every fetch. What
+// to call and how large the buffer is is settled once, not once a row.
+class OdbcColImpl final : public OdbcCell<OdbcCol> {
+ public:
+  using OdbcCell<OdbcCol>::GetData;
+  using OdbcCell<OdbcCol>::OdbcCell;
+
+  // Asks the driver for name, type, sizes and sign (SQLDescribeCol, SQLColAttribute) and chooses
+  // the C type.
+  e_Status Initialize() override;
+
+  e_Status SetCType(short cType, int lengthBytes) override;
+  e_Status GetName(std::string& name) override;
+  e_Status GetData(ByteStore* value) override;
+  e_Status GetBytes(std::span<const unsigned char>& bytes) override {
+    return OdbcDataImpl::GetBytes(bytes);
+  }
+
+  // Reads the value of the current row (SQLGetData). When that fails the cell is NULL.
+  e_Status GetData();
+
+ private:
+  e_Status describe();
+  e_Status attribute(SQLUSMALLINT field, SQLLEN& value);
+  SQLRETURN getData(SQLSMALLINT cType, unsigned char* data, SQLLEN bytes);
+  e_Status readFixed();
+  e_Status readBigInt();
+  e_Status readLongData();
+
+  ByteStore name_;
+  std::int16_t nameLength_ = 0;
+  ByteStore text_;  // a 64-bit integer as the driver spells it
+  std::uint32_t displaySize_ = 0;
+  CellReadRule plan_ = kNoCellRead;
+};
+
+}  // namespace KORVEX::Zel::DB::ODBC

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "odbc/odbc_param_impl.h"
+
+namespace KORVEX::Zel::DB::ODBC {
+
+// A parameter with a column of values, one a row of a batch, bound as one column-wise array.
+//
+// The values of all rows so far stay for the life of the object; a batch starts anew when its
+// statement is prepared anew. Numbers and structures lie one behind the other in the cell's buffer.
+// Texts and bytes are collected one behind the other and laid out in slots of one width when they
+// are bound, since only then the widest is known.
+class OdbcParamArrayImpl final : public OdbcParamImpl {
+ public:
+  using OdbcParamImpl::OdbcParamImpl;
+
+  // Asks the driver for the parameter's size (SQLDescribeParam); its type is not used.
+  e_Status Initialize() override;
+
+  // Only the first call of each that has an effect counts.
+  e_Status SetSqlType(short sqlType, unsigned int columnSize, short decimalDigits) override;
+  e_Status SetCType(short cType, int lengthBytes) override;
+  e_Status SetDirection(short direction) override;
+
+  // Append a row. e_Error, and no row, for a value of another size than the rows before.
+  e_Status SetData(bool value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(char value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(short value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(int value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(long value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(unsigned char value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(unsigned short value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(unsigned int value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(unsigned long value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(double value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(const TIMESTAMP_STRUCT& value, bool isNull) override {
+    return append(value, isNull);
+  }
+  e_Status SetData(const TIME_STRUCT& value, bool isNull) override { return append(value, isNull); }
+  e_Status SetData(ByteStore* value, bool binary, bool isNull) override;
+  e_Status SetData(unsigned int typeCode, const DataTypes::DataValue& value, bool isNull) override;
+  // There is no single value: these change nothing.
+  e_Status SetData() override { return e_Ok; }
+  e_Status GetData(char&) override { return e_Ok; }
+  e_Status GetData(bool&) override { return e_Ok; }
+  e_Status GetData(short&) override { return e_Ok; }
+  e_Status GetData(int&) override { return e_Ok; }
+  e_Status GetData(long&) override { return e_Ok; }
+  e_Status GetData(unsigned char&) override { return e_Ok; }
+  e_Status GetData(unsigned short&) override { return e_Ok; }
+  e_Status GetData(unsigned int&) override { return e_Ok; }
+  e_Status GetData(unsigned long&) override { return e_Ok; }
+  e_Status GetData(double&) override { return e_Ok; }
+  e_Status GetData(ByteStore*) override { return e_Ok; }
+  e_Status GetData(TIMESTAMP_STRUCT&) override { return e_Ok; }
+  e_Status GetData(TIME_STRUCT&) override { return e_Ok; }
+
+  e_Status Bind() override;
+  void CutRows(int rows) override;
+  void PadRows(int rows) override;
+
+ private:
+  // How the rows so far are held; the first value decides. Rows before it can only be padding.
+  enum class Layout { kUndecided, kFixed, kCollected };
+
+  // Where a collected value lies in `collected_`.
+  struct Record {
+    std::uint32_t offset;
+    std::uint32_t bytes;
+  };
+
+  template <typename Value>
+  e_Status append(const Value& value, bool isNull) {
+    return appendFixed(&value, sizeof value, isNull);
+  }
+  e_Status appendFixed(const void* value, std::uint32_t bytes, bool isNull);
+  e_Status appendCollected(std::span<const unsigned char> value, bool text, std::int32_t indicator);
+  e_Status appendIndicator(std::int32_t indicator);
+  bool decideLayout(Layout layout, std::uint32_t valueBytes);
+  bool appendNulls(std::size_t rows);
+  bool cutsToDescribedSize() const;
+  std::uint32_t slotBytes() const;
+  bool packSlots(std::uint32_t slot);
+  void widenIndicators();
+
+  bool sqlTypeFixed_ = false;
+  bool cTypeFixed_ = false;
+  bool directionFixed_ = false;
+  std::uint32_t describedBytes_ = 0;  // 0: the driver does not know
+  bool lengthIsDescribed_ = true;     // the cell's length comes from the description
+  Layout layout_ = Layout::kUndecided;
+  std::uint32_t valueBytes_ = 0;  // of a row, fixed layout
+  std::int32_t rows_ = 0;
+  ByteStore indicators_;  // a 32-bit entry a row
+  bool variableLength_ = false;
+  std::uint32_t width_ = 0;  // of the widest collected value, a text's terminator included
+  ByteStore collected_;
+  std::vector<Record> records_;
+  // What the driver knows by address while the parameter is bound.
+  ByteStore packed_;
+  std::vector<SQLLEN> boundIndicators_;
+};
+
+}  // namespace KORVEX::Zel::DB::ODBC
