@@ -1,0 +1,200 @@
+#include "driver/binding_table.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <ctime>
+#include <iostream>
+#include <iterator>
+
+#include "datatypes/data_types.h"
+#include "odbc/byte_store.h"
+
+namespace KORVEX::Zel::DB {
+
+namespace {
+
+using DataTypes::DataValue;
+using DataTypes::TypeFamily;
+using ODBC::OdbcParam;
+
+template <int Number>
+int fixed(unsigned int, const DataValue&) {
+  return Number;
+}
+
+int textLength(unsigned int, const DataValue& value) {
+  return value.isNull() ? 0 : static_cast<int>(std::strlen(value.string));
+}
+
+int byteLength(unsigned int, const DataValue& value) {
+  return value.isNull() ? 0 : static_cast<int>(value.binary.length);
+}
+
+int precision(unsigned int type, const DataValue&) {
+  return static_cast<int>(DataTypes::precisionOf(type));
+}
+
+int scale(unsigned int type, const DataValue&) {
+  return static_cast<int>(DataTypes::scaleOf(type));
+}
+
+// The precision, a sign and a point.
+int decimalTextLength(unsigned int type, const DataValue& value) {
+  return precision(type, value) + 2;
+}
+
+int moneyScale(unsigned int type, const DataValue&) {
+  constexpr int kPlainMoneyScale = 4;
+  const unsigned number = DataTypes::typeNumber(type);
+  return number == DataTypes::kMoney ? kPlainMoneyScale
+                                     : static_cast<int>(number - DataTypes::kMoney1 + 1);
+}
+
+template <auto Member>
+void storeNumber(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  parameter.SetData(value.*Member, value.isNull());
+}
+
+void storeLong(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  parameter.SetData(long{value.int64}, value.isNull());
+}
+
+// An unsigned char would select another setter.
+void storeBoolean(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  parameter.SetData(value.boolean != 0, value.isNull());
+}
+
+// Strings (5) and bytes (28), whose lengths vary from row to row.
+void storeVariable(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+  parameter.SetData(DataTypes::typeNumber(type), value, value.isNull());
+}
+
+void storeTimestamp(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+  TIMESTAMP_STRUCT timestamp{};
+  if (!value.isNull()) convertTime(type, value, timestamp);
+  parameter.SetData(timestamp, value.isNull());
+}
+
+// Seconds since midnight; a whole day more counts as the same time.
+void storeTime(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  TIME_STRUCT time{};
+  if (!value.isNull()) {
+    const long seconds = value.int64;
+    const long second = seconds % 60;
+    const long minute = (seconds - second) / 60 % 60;
+    const long hour = (seconds - 60 * minute - second) / 3600 % 24;
+    time.hour = static_cast<SQLUSMALLINT>(hour);
+    time.minute = static_cast<SQLUSMALLINT>(minute);
+    time.second = static_cast<SQLUSMALLINT>(second);
+  }
+  parameter.SetData(time, value.isNull());
+}
+
+// The value's text; `Size` holds the longest text of the family and its terminator.
+template <std::size_t Size>
+void storeText(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+  std::array<char, Size> text{};
+  if (!value.isNull()) {
+    DataValue copy = value;
+    DataTypes::convertToString(type, false, false, copy, text.data(), text.size());
+  }
+  ODBC::ByteStore store(text.data(), ODBC::ByteStore::kUntilNul);
+  parameter.SetData(&store, false, value.isNull());
+}
+
+struct FamilyRule {
+  TypeFamily family;
+  BindingRule rule;
+};
+
+constexpr FamilyRule kRules[] = {
+    {TypeFamily::kInt16,
+     {SQL_C_SHORT, SQL_SMALLINT, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::int16>}},
+    {TypeFamily::kInt32,
+     {SQL_C_SLONG, SQL_INTEGER, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::int32>}},
+    {TypeFamily::kInt64, {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong}},
+    {TypeFamily::kDouble,
+     {SQL_C_DOUBLE, SQL_DOUBLE, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::float64>}},
+    {TypeFamily::kDate,
+     {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, fixed<19>, fixed<0>, fixed<0>, storeTimestamp}},
+    {TypeFamily::kString, {SQL_C_CHAR, SQL_VARCHAR, textLength, fixed<0>, fixed<0>, storeVariable}},
+    {TypeFamily::kMoney,
+     {SQL_C_CHAR, SQL_DECIMAL, fixed<19>, moneyScale, fixed<21>, storeText<22>}},
+    {TypeFamily::kTimestamp,
+     {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, fixed<23>, fixed<3>, fixed<0>, storeTimestamp}},
+    {TypeFamily::kBoolean, {SQL_C_BIT, SQL_TINYINT, fixed<0>, fixed<0>, fixed<0>, storeBoolean}},
+    {TypeFamily::kInterval, {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong}},
+    {TypeFamily::kBigDateTime,
+     {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, fixed<26>, fixed<6>, fixed<0>, storeTimestamp}},
+    {TypeFamily::kTime, {SQL_C_TYPE_TIME, SQL_TYPE_TIME, fixed<6>, fixed<0>, fixed<0>, storeTime}},
+    {TypeFamily::kFixedDecimal,
+     {SQL_C_CHAR, SQL_DECIMAL, precision, scale, decimalTextLength, storeText<39>}},
+    {TypeFamily::kBinary,
+     {SQL_C_BINARY, SQL_VARBINARY, byteLength, fixed<0>, fixed<0>, storeVariable}},
+};
+
+// 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
+constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
+                                       fixed<0>,   fixed<0>,   storeText<21>};
+
+struct TimeScale {
+  unsigned typeNumber;
+  long perSecond;         // units of the value in a second
+  unsigned nanosPerUnit;  // nanoseconds in a unit
+};
+
+constexpr TimeScale kTimeScales[] = {
+    {DataTypes::kDate, 1, 0},
+    {DataTypes::kTimestamp, 1000, 1'000'000},
+    {DataTypes::kBigDateTime, 1'000'000, 1000},
+};
+
+}  // namespace
+
+const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
+  const TypeFamily family = DataTypes::familyOf(type);
+  const bool bigInt = family == TypeFamily::kInt64 || family == TypeFamily::kInterval;
+  if (bigInt && bigIntAsChar) return &kBigIntAsChar;
+  const auto* row = std::ranges::find(kRules, family, &FamilyRule::family);
+  return row == std::end(kRules) ? nullptr : &row->rule;
+}
+
+void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned int type,
+                         const DataValue& value) {
+  parameter.SetSqlType(rule.sqlType, static_cast<unsigned int>(rule.columnSize(type, value)),
+                       static_cast<short>(rule.decimalDigits(type, value)));
+  parameter.SetCType(rule.cType, rule.bufferLength(type, value));
+  parameter.SetDirection(SQL_PARAM_INPUT);
+}
+
+bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& timestamp) {
+  const auto* scale =
+      std::ranges::find(kTimeScales, DataTypes::typeNumber(type), &TimeScale::typeNumber);
+  if (scale == std::end(kTimeScales)) {
+    std::cout << "Invalid data for converting as time" << std::endl;
+    return false;
+  }
+  // Floor division: the remainder, and with it the fraction, is never negative.
+  long seconds = value.int64 / scale->perSecond;
+  long remainder = value.int64 % scale->perSecond;
+  if (remainder < 0) {
+    remainder += scale->perSecond;
+    --seconds;
+  }
+  tm time{};
+  if (!DataTypes::breakDownUtc(seconds, time)) {
+    std::cout << "Error converting value as date" << std::endl;
+    return false;
+  }
+  timestamp.year = static_cast<SQLSMALLINT>(time.tm_year + 1900);
+  timestamp.month = static_cast<SQLUSMALLINT>(time.tm_mon + 1);
+  timestamp.day = static_cast<SQLUSMALLINT>(time.tm_mday);
+  timestamp.hour = static_cast<SQLUSMALLINT>(time.tm_hour);
+  timestamp.minute = static_cast<SQLUSMALLINT>(time.tm_min);
+  timestamp.second = static_cast<SQLUSMALLINT>(time.tm_sec);
+  timestamp.fraction = static_cast<SQLUINTEGER>(remainder) * scale->nanosPerUnit;
+  return true;
+}
+
+}  // namespace KORVEX::Zel::DB

@@ -1,0 +1,268 @@
+#include "driver/date_time_column.h"
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <iterator>
+#include <span>
+
+#include "datatypes/data_types.h"
+#include "host/intl.h"
+
+namespace KORVEX::Zel::DB {
+
+namespace {
+
+using DataTypes::DataValue;
+using ODBC::Odbc;
+using ODBC::OdbcCol;
+
+// Microsoft SQL Server's time type with a fraction; its structure starts like an ODBC time.
+constexpr short kSqlServerTime2 = -154;
+
+constexpr unsigned kNanosPerSecond = 1'000'000'000;
+constexpr char kIsoPicture[] = "%Y-%m-%dT%H:%M:%S";
+constexpr char kBlankPicture[] = "%Y-%m-%d %H:%M:%S";
+constexpr char kDatePicture[] = "%Y-%m-%d";
+
+// One row a date type: its unit, and how its text is written for the plain way of reading.
+struct DateRow {
+  unsigned typeNumber;
+  long unitsPerSecond;
+  unsigned nanosPerUnit;  // 0: the type has no fraction
+  const char* fraction;   // the format of the fraction
+};
+
+constexpr DateRow kDateRows[] = {
+    {DataTypes::kDate, 1, 0, nullptr},
+    {DataTypes::kTimestamp, 1000, 1'000'000, ".%03u"},
+    {DataTypes::kBigDateTime, 1'000'000, 1000, ".%06u"},
+};
+
+enum class Layout { kNone, kTimestamp, kTime, kText };
+
+struct LayoutRow {
+  short cType;
+  Layout layout;
+};
+
+constexpr LayoutRow kLayouts[] = {
+    {SQL_C_TYPE_TIMESTAMP, Layout::kTimestamp},
+    {SQL_C_TYPE_TIME, Layout::kTime},
+    {SQL_C_CHAR, Layout::kText},
+};
+
+struct ColumnLayout {
+  short sqlType = 0;
+  Layout layout = Layout::kNone;
+};
+
+ColumnLayout layoutOf(OdbcCol& column) {
+  ColumnLayout result;
+  unsigned int size = 0;
+  short digits = 0;
+  column.GetSqlType(result.sqlType, size, digits);
+  short cType = 0;
+  int length = 0;
+  column.GetCType(cType, length);
+  const auto* row = std::ranges::find(kLayouts, cType, &LayoutRow::cType);
+  if (row != std::end(kLayouts)) {
+    result.layout = row->layout;
+  } else if (result.sqlType == kSqlServerTime2) {
+    result.layout = Layout::kTime;
+  }
+  return result;
+}
+
+// The column's bytes where they lie.
+ReadResult readBytes(OdbcCol& column, std::span<const unsigned char>& bytes) {
+  const Odbc::e_Status status = column.GetBytes(bytes);
+  if (status == Odbc::e_Ok) return {ReadResult::kValue};
+  return {status == Odbc::e_Null ? ReadResult::kNull : ReadResult::kFailed};
+}
+
+std::string textOf(std::span<const unsigned char> bytes) {
+  return {bytes.begin(), bytes.end()};
+}
+
+// The column's structure; a time becomes that time on the first day of the epoch.
+ReadResult readStructure(OdbcCol& column, Layout layout, TIMESTAMP_STRUCT& timestamp) {
+  std::span<const unsigned char> bytes;
+  const ReadResult result = readBytes(column, bytes);
+  if (result.outcome != ReadResult::kValue) return result;
+  if (layout == Layout::kTimestamp && bytes.size() >= sizeof timestamp) {
+    std::memcpy(&timestamp, bytes.data(), sizeof timestamp);
+    return {ReadResult::kValue};
+  }
+  TIME_STRUCT time{};
+  if (layout == Layout::kTime && bytes.size() >= sizeof time) {
+    std::memcpy(&time, bytes.data(), sizeof time);
+    timestamp = {1970, 1, 1, time.hour, time.minute, time.second, 0};
+    return {ReadResult::kValue};
+  }
+  return {ReadResult::kFailed, "the column holds no date or time structure"};
+}
+
+// Whether every field has the range that the plain way through text accepts.
+bool inRange(const TIMESTAMP_STRUCT& t) {
+  return t.year >= 0 && t.year <= 9999 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
+         t.day <= 31 && t.hour <= 23 && t.minute <= 59 && t.second <= 61 &&
+         t.fraction < kNanosPerSecond;
+}
+
+tm brokenDown(const TIMESTAMP_STRUCT& t) {
+  tm result{};
+  result.tm_year = t.year - 1900;
+  result.tm_mon = t.month - 1;
+  result.tm_mday = t.day;
+  result.tm_hour = t.hour;
+  result.tm_min = t.minute;
+  result.tm_sec = t.second;
+  return result;
+}
+
+using SecondsOf = long (*)(const tm* time);
+
+std::int64_t countOf(const tm& time, unsigned nanos, const DateRow& row, SecondsOf secondsOf) {
+  const long seconds = secondsOf(&time);
+  return seconds * row.unitsPerSecond + (row.nanosPerUnit == 0 ? 0 : nanos / row.nanosPerUnit);
+}
+
+// The plain way: the fields as text, and the text parsed. Decides about fields out of range.
+ReadResult parseFields(const TIMESTAMP_STRUCT& t, const DateRow& row, DataValue& cell) {
+  char text[64] = {};
+  const int length =
+      intl_snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", int{t.year}, int{t.month},
+                    int{t.day}, int{t.hour}, int{t.minute}, int{t.second});
+  if (row.fraction != nullptr) {
+    intl_snprintf(text + length, sizeof text - static_cast<std::size_t>(length), row.fraction,
+                  static_cast<unsigned>(t.fraction) / row.nanosPerUnit);
+  }
+  const char* message = nullptr;
+  DataValue parsed;
+  if (!DataTypes::convertFromString(row.typeNumber, text, parsed, message, kIsoPicture, kIsoPicture,
+                                    kIsoPicture, nullptr)) {
+    return {ReadResult::kFailed, message};
+  }
+  cell = parsed;
+  return {ReadResult::kValue};
+}
+
+// Reads ".5" and the like as nanoseconds. True when nothing else follows.
+bool parseFraction(const char* text, unsigned& nanos) {
+  nanos = 0;
+  if (*text == '\0') return true;
+  if (*text != '.' || std::isdigit(static_cast<unsigned char>(text[1])) == 0) return false;
+  unsigned place = kNanosPerSecond / 10;
+  for (++text; std::isdigit(static_cast<unsigned char>(*text)) != 0; ++text) {
+    nanos += static_cast<unsigned>(*text - '0') * place;
+    place /= 10;
+  }
+  return *text == '\0';
+}
+
+bool parseIso(const char* text, tm& time, unsigned& nanos) {
+  for (const char* picture : {kIsoPicture, kBlankPicture, kDatePicture}) {
+    const char* rest = DataTypes::strptime(text, picture, &time);
+    if (rest != nullptr && parseFraction(rest, nanos)) return true;
+  }
+  return false;
+}
+
+ReadResult readIsoText(OdbcCol& column, const DateRow& row, SecondsOf secondsOf, DataValue& cell) {
+  std::span<const unsigned char> bytes;
+  const ReadResult result = readBytes(column, bytes);
+  if (result.outcome != ReadResult::kValue) return result;
+  const std::string text = textOf(bytes);
+  tm time{};
+  unsigned nanos = 0;
+  if (!parseIso(text.c_str(), time, nanos)) {
+    return {ReadResult::kFailed, "the text is not an ISO date and time"};
+  }
+  cell.int64 = countOf(time, nanos, row, secondsOf);
+  return {ReadResult::kValue};
+}
+
+ReadResult readDate(OdbcCol& column, unsigned int type, SecondsOf secondsOf, DataValue& cell) {
+  const auto* row = std::ranges::find(kDateRows, DataTypes::typeNumber(type), &DateRow::typeNumber);
+  if (row == std::end(kDateRows)) return {ReadResult::kFailed};
+  const Layout layout = layoutOf(column).layout;
+  if (layout == Layout::kText) return readIsoText(column, *row, secondsOf, cell);
+  TIMESTAMP_STRUCT timestamp{};
+  const ReadResult result = readStructure(column, layout, timestamp);
+  if (result.outcome != ReadResult::kValue) return result;
+  if (!inRange(timestamp)) return parseFields(timestamp, *row, cell);
+  cell.int64 = countOf(brokenDown(timestamp), timestamp.fraction, *row, secondsOf);
+  return result;
+}
+
+// The fraction's digits without trailing zeros, behind a point; nothing for 0.
+std::string fractionText(unsigned nanos) {
+  if (nanos == 0 || nanos >= kNanosPerSecond) return {};
+  std::string digits = std::to_string(kNanosPerSecond + nanos);
+  digits.front() = '.';
+  digits.erase(digits.find_last_not_of('0') + 1);
+  return digits;
+}
+
+// hh:mm:ss at the positions that every wide time text has.
+ReadResult readWideTime(OdbcCol& column, DataValue& cell) {
+  constexpr std::size_t kShortest = 8;
+  std::span<const unsigned char> bytes;
+  const ReadResult result = readBytes(column, bytes);
+  if (result.outcome != ReadResult::kValue) return result;
+  const std::string text = textOf(bytes);
+  if (text.size() < kShortest) return {ReadResult::kUnparsable};
+  const auto field = [&](std::size_t at) { return safeTimeAtoi(text.substr(at, 2).c_str()); };
+  cell.int64 = field(0) * 3600 + field(3) * 60 + field(6);
+  return {ReadResult::kValue};
+}
+
+}  // namespace
+
+int safeTimeAtoi(const char* text) {
+  const int value = std::atoi(text);  // NOLINT(cert-err34-c): 0 is looked at below
+  if (value != 0) return value;
+  return std::strcmp(text, "00") == 0 || std::strcmp(text, "0") == 0 ? 0 : -1;
+}
+
+ReadResult readDateTime(OdbcCol& column, unsigned int type, DataValue& cell) {
+  return readDate(column, type, DataTypes::tm2sec, cell);
+}
+
+ReadResult readDateTimeUtc(OdbcCol& column, unsigned int type, DataValue& cell) {
+  return readDate(column, type, DataTypes::tm2secUtc, cell);
+}
+
+ReadResult readTime(OdbcCol& column, unsigned int, DataValue& cell) {
+  const ColumnLayout layout = layoutOf(column);
+  if (layout.sqlType == SQL_WVARCHAR) return readWideTime(column, cell);
+  TIMESTAMP_STRUCT timestamp{};
+  const ReadResult result = readStructure(column, layout.layout, timestamp);
+  if (result.outcome != ReadResult::kValue) return result;
+  cell.int64 = timestamp.hour * 3600 + timestamp.minute * 60 + timestamp.second;
+  return result;
+}
+
+ReadResult readDateTimeText(OdbcCol& column, std::string& text) {
+  const ColumnLayout layout = layoutOf(column);
+  TIMESTAMP_STRUCT t{};
+  const ReadResult result = readStructure(column, layout.layout, t);
+  if (result.outcome != ReadResult::kValue) return result;
+  const bool dateOnly = layout.sqlType == SQL_TYPE_DATE;
+  const bool timeOnly = layout.layout == Layout::kTime;
+  char date[32] = {};
+  char time[32] = {};
+  intl_snprintf(date, sizeof date, "%04d-%02d-%02d", int{t.year}, int{t.month}, int{t.day});
+  intl_snprintf(time, sizeof time, "%02d:%02d:%02d", int{t.hour}, int{t.minute}, int{t.second});
+  text = timeOnly ? time : dateOnly ? date : std::string(date) + 'T' + time;
+  if (!dateOnly && !timeOnly) text += fractionText(t.fraction);
+  return result;
+}
+
+}  // namespace KORVEX::Zel::DB

@@ -1,0 +1,231 @@
+#include "driver/odbc_result_set.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include "driver/message_keys.h"
+#include "driver/odbc_column.h"
+#include "driver/odbc_statement.h"
+#include "driver/reader_table.h"
+#include "driver2/boundary.h"
+#include "host/log_service_impl.h"
+#include "host/row.h"
+#include "host/row_descriptor.h"
+#include "odbc/odbc_error.h"
+
+namespace KORVEX::Zel::DB {
+
+namespace {
+
+using DataTypes::DataValue;
+using ODBC::Odbc;
+
+ResultCode failColumn(const char* key, int index, const char* text) {
+  LogServiceImpl::log(key, LogServiceImpl::toString<int>(index).c_str(), text);
+  return kFailure;
+}
+
+// Strings and bytes come in buffers of their own, which the row takes over.
+bool carriesBuffer(unsigned int type) {
+  const unsigned number = DataTypes::typeNumber(type);
+  return number == DataTypes::kString || number == DataTypes::kBinary;
+}
+
+// Frees the buffer of a cell that no row has taken over.
+void releaseBuffer(unsigned int type, DataValue& value) {
+  if (!carriesBuffer(type) || value.isNull()) return;
+  const void* buffer = DataTypes::typeNumber(type) == DataTypes::kString
+                           ? static_cast<const void*>(value.string)
+                           : static_cast<const void*>(value.binary.data);
+  std::free(const_cast<void*>(buffer));
+}
+
+void addColumn(Row& row, unsigned int type, DataValue& cell) {
+  try {
+    row.addColumn(type, cell, carriesBuffer(type));
+  } catch (...) {
+    releaseBuffer(type, cell);
+    throw;
+  }
+}
+
+}  // namespace
+
+OdbcResultSet::OdbcResultSet(Statement& statement) : ResultSet(statement) {}
+
+OdbcResultSet::~OdbcResultSet() = default;
+
+OdbcStatement& OdbcResultSet::odbcStatement() const {
+  return dynamic_cast<OdbcStatement&>(getStatement());
+}
+
+ResultCode OdbcResultSet::failWithDiagnostic(const char* key) const {
+  ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
+  LogServiceImpl::log(key, stmt == nullptr ? "" : getOdbcError(stmt).c_str());
+  return kFailure;
+}
+
+ResultCode OdbcResultSet::close() {
+  return kSuccess;
+}
+
+ResultCode OdbcResultSet::next(bool& more) {
+  ODBC::OdbcStmt* stmt = odbcStatement().getStmt();  // outside the guard: a bad cast goes on
+  return guarded(kFailure, [&] {
+    const Odbc::e_Status status = stmt == nullptr ? Odbc::e_Error : stmt->Fetch();
+    if (status != Odbc::e_Ok && status != Odbc::e_NoData)
+      return failWithDiagnostic(keys::kIterating);
+    more = status == Odbc::e_Ok;
+    return kSuccess;
+  });
+}
+
+ResultCode OdbcResultSet::getNumColumns(int& count) {
+  return guarded(kFailure, [&] {
+    ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
+    if (stmt != nullptr && stmt->GetColumnCount(count) == Odbc::e_Ok) return kSuccess;
+    return failWithDiagnostic(keys::kGettingColumnCount);
+  });
+}
+
+ResultCode OdbcResultSet::getColumnName(int index, std::string& name) {
+  return guarded(kFailure, [&] {
+    ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
+    if (stmt != nullptr && stmt->GetColumnName(index, name) == Odbc::e_Ok) return kSuccess;
+    return failWithDiagnostic(keys::kGettingColumnName);
+  });
+}
+
+ResultCode OdbcResultSet::getColumnType(int index, unsigned int& type) {
+  return guarded(kFailure, [&] {
+    OdbcStatement& statement = odbcStatement();
+    int sqlType = 0;
+    if (statement.getStmt() == nullptr ||
+        statement.getStmt()->GetColumnType(index, sqlType) != Odbc::e_Ok) {
+      return failWithDiagnostic(keys::kGettingColumnType);
+    }
+    type = zelDataType(sqlType, statement.databaseType());
+    return kSuccess;
+  });
+}
+
+ResultCode OdbcResultSet::getColumnInfo(int index, std::string& name, unsigned int& type) {
+  const ResultCode result = getColumnName(index, name);
+  return result == kSuccess ? getColumnType(index, type) : result;
+}
+
+ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
+  row = nullptr;
+  return guarded(kFailure, [&] {
+    auto built = std::make_unique<Row>();
+    const int columns = descriptor.getNumColumns();
+    for (int i = 0; i < columns; ++i) {
+      DataValue cell;
+      cell.setNull();
+      const unsigned int type = descriptor.getColumnType(i);
+      const ResultCode result = getColumn(i + 1, type, cell);
+      if (result != kSuccess) {
+        LogServiceImpl::log(keys::kRowSkipped);
+        return result;
+      }
+      addColumn(*built, type, cell);
+    }
+    row = built.release();
+    return kSuccess;
+  });
+}
+
+ResultCode OdbcResultSet::getColumn(int index, unsigned int type, DataValue& value) {
+  return findColumnReader(type, false) == nullptr ? kFailure : readColumn(index, type, value);
+}
+
+ResultCode OdbcResultSet::readColumn(int index, unsigned int type, DataValue& value) {
+  return guarded(kFailure, [&] {
+    OdbcStatement& statement = odbcStatement();
+    const ColumnReader reader = findColumnReader(type, statement.transfersSafely());
+    ODBC::OdbcStmt* stmt = statement.getStmt();
+    if (reader == nullptr || stmt == nullptr)
+      return failColumn(keys::kGettingColumnValue, index, "");
+    ODBC::OdbcCol* column = stmt->GetColumn(index);
+    if (column == nullptr) {
+      return failColumn(keys::kGettingColumnValue, index, getOdbcError(stmt).c_str());
+    }
+    const ReadResult result = reader(*column, type, value);
+    switch (result.outcome) {
+      case ReadResult::kValue:
+        value.null = 0;
+        return kSuccess;
+      case ReadResult::kNull:
+        value.setNull();
+        return kSuccess;
+      case ReadResult::kUnparsable:
+        LogServiceImpl::log(keys::kParsingColumnValue,
+                            LogServiceImpl::toString<int>(index).c_str());
+        return kFailure;
+      case ReadResult::kFailed:
+        break;
+    }
+    const std::string diagnostic = getOdbcError(column);
+    const bool explain = diagnostic.empty() && result.reason != nullptr;
+    return failColumn(keys::kGettingColumnValue, index,
+                      explain ? result.reason : diagnostic.c_str());
+  });
+}
+
+ResultCode OdbcResultSet::getColumnInt16(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kInt16, value);
+}
+
+ResultCode OdbcResultSet::getColumnInt32(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kInteger, value);
+}
+
+ResultCode OdbcResultSet::getColumnInt64(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kLong, value);
+}
+
+ResultCode OdbcResultSet::getColumnDouble(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kFloat, value);
+}
+
+ResultCode OdbcResultSet::getColumnDate(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kDate, value);
+}
+
+ResultCode OdbcResultSet::getColumnString(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kString, value);
+}
+
+ResultCode OdbcResultSet::getColumnMoney(int index, unsigned int type, DataValue& value) {
+  return readColumn(index, type, value);
+}
+
+ResultCode OdbcResultSet::getColumnTimestamp(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kTimestamp, value);
+}
+
+ResultCode OdbcResultSet::getColumnBoolean(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kBoolean, value);
+}
+
+ResultCode OdbcResultSet::getColumnInterval(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kInterval, value);
+}
+
+ResultCode OdbcResultSet::getColumnBigDateTime(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kBigDateTime, value);
+}
+
+ResultCode OdbcResultSet::getColumnTime(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kTime, value);
+}
+
+ResultCode OdbcResultSet::getColumnFixedDecimal(int index, unsigned int type, DataValue& value) {
+  return readColumn(index, type, value);
+}
+
+ResultCode OdbcResultSet::getColumnBinary(int index, DataValue& value) {
+  return readColumn(index, DataTypes::kBinary, value);
+}
+
+}  // namespace KORVEX::Zel::DB

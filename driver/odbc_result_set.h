@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+
+#include "host/result_set.h"
+#include "odbc/odbc_col.h"
+
+namespace KORVEX::Zel::DB {
+
+class OdbcStatement;
+
+// The rows of an executed first-generation statement. Every operation returns 1 or 3; failures are
+// logged. Column indexes count from 1. Nothing throws, next() on a foreign statement apart.
+class OdbcResultSet : public ResultSet {
+ public:
+  explicit OdbcResultSet(Statement& statement);
+  ~OdbcResultSet() override;
+
+  // In slot order.
+  // Does nothing: the cursor is closed with the statement.
+  ResultCode close() override;
+  // Throws std::bad_cast when the statement is not an OdbcStatement.
+  ResultCode next(bool& more) override;
+  // The current row in the descriptor's types. One column that cannot be converted discards the
+  // whole row: `row` is then null and the next row can still be read.
+  ResultCode getData(const RowDescriptor& descriptor, Row*& row) override;
+  ResultCode getNumColumns(int& count) override;
+  ResultCode getColumnInfo(int index, std::string& name, unsigned int& type) override;
+  ResultCode getColumnName(int index, std::string& name) override;
+  ResultCode getColumnType(int index, unsigned int& type) override;
+  ResultCode getColumn(int index, unsigned int type, DataTypes::DataValue& value) override;
+  ResultCode getColumnInt16(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnInt32(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnInt64(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnDouble(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnDate(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnString(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnMoney(int index, unsigned int type, DataTypes::DataValue& value) override;
+  ResultCode getColumnTimestamp(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnBoolean(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnInterval(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnBigDateTime(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnTime(int index, DataTypes::DataValue& value) override;
+  ResultCode getColumnFixedDecimal(int index, unsigned int type,
+                                   DataTypes::DataValue& value) override;
+  ResultCode getColumnBinary(int index, DataTypes::DataValue& value) override;
+
+ private:
+  // The statement the rows come from; throws std::bad_cast when it is a foreign one.
+  OdbcStatement& odbcStatement() const;
+  // Reads a column with the reader of its type's family.
+  ResultCode readColumn(int index, unsigned int type, DataTypes::DataValue& value);
+  ResultCode failWithDiagnostic(const char* key) const;
+};
+
+}  // namespace KORVEX::Zel::DB

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "datatypes/data_value.h"
+#include "odbc/odbc_col.h"
+
+namespace KORVEX::Zel::DB {
+
+// How a column reader ended.
+struct ReadResult {
+  enum Outcome {
+    kValue,      // the cell holds the value
+    kNull,       // the database has NULL
+    kFailed,     // the column's type or content cannot become the wanted type
+    kUnparsable  // a text that should be a time of day is not
+  };
+
+  Outcome outcome = kFailed;
+  const char* reason = nullptr;  // why it failed, where the conversion says so; a constant text
+};
+
+// Reads the current value of a column as the given type into `value`; for strings and bytes the
+// cell receives a malloc'ed buffer that belongs to the caller. The null flag is the caller's to
+// set.
+using ColumnReader = ReadResult (*)(ODBC::OdbcCol& column, unsigned int type,
+                                    DataTypes::DataValue& value);
+
+// The reader for a type code (its low 8 bits count), or null for a code that cannot be read. Read
+// safely, dates before 1970 are right in every time zone.
+ColumnReader findColumnReader(unsigned int type, bool safely);
+
+}  // namespace KORVEX::Zel::DB
