@@ -1,1 +1,0 @@
-#include "datatypes/data_types.h"

@@ -1,0 +1,75 @@
+#include "datatypes/picture_text.h"
+
+#include <cstring>
+#include <exception>
+
+#include "datatypes/big_date_time_format_parser_time_to_string.h"
+#include "datatypes/date_format_parser_date_to_string.h"
+#include "datatypes/time_format_parser_time_from_string.h"
+#include "datatypes/time_format_parser_time_to_string.h"
+#include "datatypes/time_zones.h"
+
+namespace DataTypes {
+namespace {
+
+// Handlers throw only when memory runs out; nothing may leave the library.
+template <class Printer>
+void print(long value, const char* picture, const char* zone, std::string& out) {
+  out.clear();
+  if (picture == nullptr || !isValidTimezone(zone)) return;
+  try {
+    const std::size_t length = std::strlen(picture);
+    out.reserve(length + 1);
+    Printer printer(value, zone, out);
+    if (!printer.prepare() || !printer.Parse(picture, length)) out.clear();
+  } catch (const std::exception&) {
+    out.clear();
+  }
+}
+
+bool read(const char* text, const char* picture, long unitsPerSecond, long& out) {
+  if (text == nullptr || picture == nullptr) return false;
+  try {
+    TimeFormatParser_TimeFromString reader(text);
+    return reader.Parse(picture, std::strlen(picture)) &&
+           reader.result().toInstant(unitsPerSecond, out);
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+constexpr long kSeconds = 1;
+constexpr long kMillis = 1000;
+constexpr long kMicros = 1000000;
+
+}  // namespace
+
+void TimestampToString(long value, const char* picture, const char* zone, std::string& out) {
+  print<TimeFormatParser_TimeToString>(value, picture, zone, out);
+}
+
+void DateToString(long value, const char* picture, const char* zone, std::string& out) {
+  print<DateFormatParser_DateToString>(value, picture, zone, out);
+}
+
+void BigDateTimeToString(long value, const char* picture, const char* zone, std::string& out) {
+  print<BigDateTimeFormatParser_TimeToString>(value, picture, zone, out);
+}
+
+bool TimestampFromString(const char* text, const char* picture, long& out) {
+  return read(text, picture, kMillis, out);
+}
+
+bool DateFromString(const char* text, const char* picture, long& out) {
+  return read(text, picture, kSeconds, out);
+}
+
+bool TimeFromString(const char* text, const char* picture, long& out) {
+  return read(text, picture, kSeconds, out);
+}
+
+bool BigDateTimeFromString(const char* text, const char* picture, long& out) {
+  return read(text, picture, kMicros, out);
+}
+
+}  // namespace DataTypes

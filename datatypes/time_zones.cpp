@@ -1,0 +1,194 @@
+#include "datatypes/time_zones.h"
+
+#include <time.h>
+#include <unicode/basictz.h>
+#include <unicode/timezone.h>
+#include <unicode/tztrans.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <exception>
+#include <vector>
+
+#include "datatypes/zone.h"
+
+namespace DataTypes {
+namespace {
+
+constexpr const char* kUtc = "UTC";
+constexpr long kMicrosPerMilli = 1000;
+
+std::unique_ptr<icu::TimeZone> createZone(const char* name) {
+  return std::unique_ptr<icu::TimeZone>(
+      icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
+}
+
+std::string toUtf8(const icu::UnicodeString& text) {
+  std::string utf8;
+  text.toUTF8String(utf8);
+  return utf8;
+}
+
+std::string identifierOf(const icu::TimeZone& zone) {
+  icu::UnicodeString identifier;
+  return toUtf8(zone.getID(identifier));
+}
+
+bool isUtc(const char* name) {
+  return name == nullptr || std::strcmp(name, kUtc) == 0;
+}
+
+// Milliseconds as microseconds, or the nearest that fits.
+bool toMicros(long millis, long& micros) {
+  if (!__builtin_mul_overflow(millis, kMicrosPerMilli, &micros)) return true;
+  micros = millis < 0 ? LONG_MIN : LONG_MAX;
+  return false;
+}
+
+// Seconds of a clock that is read without a system call.
+long coarseNow() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME_COARSE, &now);
+  return now.tv_sec;
+}
+
+}  // namespace
+
+struct Zone::Icu {
+  std::unique_ptr<icu::TimeZone> zone;
+  const icu::BasicTimeZone* rules;  // the same zone, when it can tell its transitions
+};
+
+Zone::Zone(const char* name) : icu_(new Icu{createZone(name), nullptr}), name_(name) {
+  if (icu_->zone == nullptr) throw std::bad_alloc();
+  icu_->rules = dynamic_cast<const icu::BasicTimeZone*>(icu_->zone.get());
+  identifier_ = identifierOf(*icu_->zone);
+}
+
+Zone::~Zone() = default;
+
+// ICU's offsets are those of the present, which costs it a look at the clock and at its rules each
+// time. Zones change on whole minutes.
+void Zone::refreshOffsets() const {
+  const long minute = coarseNow() / 60;
+  if (minute == offsetsMinute_) return;
+  offsetsMinute_ = minute;
+  rawOffsetMillis_ = icu_->zone->getRawOffset();
+  daylightSavingsMillis_ = icu_->zone->getDSTSavings();
+}
+
+long Zone::rawOffsetMillis() const {
+  refreshOffsets();
+  return rawOffsetMillis_;
+}
+
+long Zone::daylightSavingsMillis() const {
+  refreshOffsets();
+  return daylightSavingsMillis_;
+}
+
+// Daylight time only changes at transitions, so one answer holds for the interval between two.
+bool Zone::isDaylightTime(long utcMillis, bool& failed) const {
+  constexpr int kIntervalShift = 32;  // 2^32 ms are 50 days, shorter than any season
+  const auto bucket = static_cast<unsigned long>(utcMillis) >> kIntervalShift;
+  Interval& interval = intervals_[bucket % kIntervals];
+  if (utcMillis >= interval.begin && utcMillis < interval.end) return interval.isDaylight;
+  UErrorCode status = U_ZERO_ERROR;
+  const bool isDaylight = icu_->zone->inDaylightTime(static_cast<UDate>(utcMillis), status) != 0;
+  if (U_FAILURE(status)) {
+    failed = true;
+    return false;
+  }
+  Interval found;
+  if (readInterval(utcMillis, found)) {
+    found.isDaylight = isDaylight;
+    interval = found;
+  }
+  return isDaylight;
+}
+
+bool Zone::readInterval(long utcMillis, Interval& interval) const {
+  constexpr long kExactInDouble = 1L << 52;
+  if (icu_->rules == nullptr || utcMillis > kExactInDouble || utcMillis < -kExactInDouble)
+    return false;
+  icu::TimeZoneTransition transition;
+  const auto at = static_cast<UDate>(utcMillis);
+  const bool hasBegin = icu_->rules->getPreviousTransition(at, true, transition) != 0;
+  interval.begin = hasBegin ? static_cast<long>(transition.getTime()) : -kExactInDouble;
+  const bool hasEnd = icu_->rules->getNextTransition(at, false, transition) != 0;
+  interval.end = hasEnd ? static_cast<long>(transition.getTime()) : kExactInDouble;
+  return true;
+}
+
+const std::string& Zone::displayName(bool isDaylight, bool isLong) const {
+  std::string& name = displayNames_[(isDaylight ? 2U : 0U) + (isLong ? 1U : 0U)];
+  if (name.empty()) {
+    icu::UnicodeString text;
+    icu_->zone->getDisplayName(isDaylight, isLong ? icu::TimeZone::LONG : icu::TimeZone::SHORT,
+                               text);
+    name = toUtf8(text);
+  }
+  return name;
+}
+
+const Zone* findZone(const char* name) {
+  constexpr std::size_t kMaxZones = 64;
+  // Most recently used first; the last one gives way.
+  thread_local std::vector<std::unique_ptr<Zone>> zones;
+  if (name == nullptr) name = kUtc;
+  for (std::size_t i = 0; i < zones.size(); ++i) {
+    if (zones[i]->name() != name) continue;
+    if (i != 0)
+      std::rotate(zones.begin(), zones.begin() + static_cast<long>(i),
+                  zones.begin() + static_cast<long>(i) + 1);
+    return zones.front().get();
+  }
+  try {
+    auto zone = std::make_unique<Zone>(name);
+    if (zones.size() == kMaxZones) zones.pop_back();
+    zones.insert(zones.begin(), std::move(zone));
+    return zones.front().get();
+  } catch (const std::exception&) {
+    return nullptr;
+  }
+}
+
+bool isValidTimezone(const char* name) {
+  if (name == nullptr || *name == '\0' || isUtc(name)) return true;
+  const Zone* zone = findZone(name);
+  return zone != nullptr && zone->isKnown();
+}
+
+bool toTimeZone(long micros, const char* fromZone, const char* toZone, long& out) {
+  const long millis = micros / kMicrosPerMilli;
+  // UTC has no offset and no daylight saving: the shift is the identity.
+  if (isUtc(fromZone) && isUtc(toZone)) return toMicros(millis, out);
+  const Zone* from = findZone(fromZone);
+  const Zone* to = findZone(toZone);
+  if (from == nullptr || to == nullptr) {
+    toMicros(millis, out);
+    return false;
+  }
+  bool failed = !from->isKnown() || !to->isKnown();
+  long utc = millis - from->rawOffsetMillis();
+  if (from->isDaylightTime(utc, failed)) utc -= from->daylightSavingsMillis();
+  if (to->isDaylightTime(utc, failed)) utc += to->daylightSavingsMillis();
+  return toMicros(utc + to->rawOffsetMillis(), out) && !failed;
+}
+
+bool toTimeZonePlain(long micros, const char* fromZone, const char* toZone, long& out) {
+  const auto from = createZone(fromZone != nullptr ? fromZone : kUtc);
+  const auto to = createZone(toZone != nullptr ? toZone : kUtc);
+  bool isKnown = fromZone == nullptr || identifierOf(*from) == fromZone;
+  isKnown = (toZone == nullptr || identifierOf(*to) == toZone) && isKnown;
+  UErrorCode status = U_ZERO_ERROR;
+  const long millis = micros / kMicrosPerMilli;
+  long utc = millis - from->getRawOffset();
+  if (from->inDaylightTime(static_cast<UDate>(utc), status)) utc -= from->getDSTSavings();
+  if (to->inDaylightTime(static_cast<UDate>(utc), status)) utc += to->getDSTSavings();
+  return toMicros(utc + to->getRawOffset(), out) && isKnown && U_SUCCESS(status);
+}
+
+}  // namespace DataTypes
