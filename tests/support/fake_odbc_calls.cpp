@@ -1,0 +1,511 @@
+// The ODBC functions of the scripted ODBC.
+
+#include <algorithm>
+#include <sstream>
+
+#include "tests/support/fake_odbc.h"
+
+namespace {
+
+using fake::Answer;
+using fake::FakeOdbc;
+using fake::Handle;
+
+FakeOdbc& self() {
+  static FakeOdbc fake;
+  return fake;
+}
+
+std::string text(const SQLCHAR* chars, SQLINTEGER length) {
+  if (chars == nullptr) return {};
+  const char* start = reinterpret_cast<const char*>(chars);
+  return length < 0 ? std::string(start) : std::string(start, static_cast<std::size_t>(length));
+}
+
+std::string quoted(const SQLCHAR* chars, SQLINTEGER length) {
+  return chars == nullptr ? "null" : '"' + text(chars, length) + '"';
+}
+
+const char* address(const void* pointer) {
+  return pointer == nullptr ? "null" : "ptr";
+}
+
+// An attribute value: the number, or that it is an address.
+std::string attribute(SQLPOINTER value) {
+  constexpr std::uintptr_t kLargestNumber = 0xFFFFFF;
+  const auto number = reinterpret_cast<std::uintptr_t>(value);
+  return number > kLargestNumber ? "ptr" : std::to_string(number);
+}
+
+template <typename... Argument>
+std::string join(const Argument&... arguments) {
+  std::ostringstream out;
+  const char* separator = "";
+  ((out << separator << arguments, separator = ","), ...);
+  return out.str();
+}
+
+// A call under way: holds the lock, and knows what a script wants answered.
+class Call {
+ public:
+  Call(const char* function, SQLSMALLINT type, SQLHANDLE handle, const std::string& arguments)
+      : lock_(self().mutex), handle_(static_cast<Handle*>(handle)) {
+    valid_ = self().check(function, type, handle_);
+    answer_ = self().enter(function, valid_ ? handle_ : nullptr, arguments);
+  }
+
+  // Whether the call is to do nothing but give this answer.
+  bool refused() const { return !valid_ || !SQL_SUCCEEDED(answer_.rc); }
+  SQLRETURN rc() const { return valid_ ? answer_.rc : static_cast<SQLRETURN>(SQL_INVALID_HANDLE); }
+  // Ends a call that the script leaves alone.
+  SQLRETURN answer(SQLRETURN rc, const char* state, const char* message) {
+    handle_->records.push_back({state, 0, message});
+    return rc;
+  }
+  Handle& operator*() const { return *handle_; }
+  Handle* operator->() const { return handle_; }
+
+ private:
+  std::lock_guard<std::recursive_mutex> lock_;
+  Handle* handle_;
+  bool valid_ = false;
+  Answer answer_;
+};
+
+// Copies a text into a caller's buffer; false when it was cut.
+bool give(const std::string& from, SQLPOINTER to, SQLSMALLINT room, SQLSMALLINT* length) {
+  if (length != nullptr) *length = static_cast<SQLSMALLINT>(from.size());
+  if (to == nullptr || room <= 0) return true;
+  const std::size_t copied = std::min(from.size(), static_cast<std::size_t>(room - 1));
+  std::memcpy(to, from.data(), copied);
+  static_cast<char*>(to)[copied] = 0;
+  return copied == from.size();
+}
+
+template <typename Out, typename Value>
+void give(Out* to, Value value) {
+  if (to != nullptr) *to = static_cast<Out>(value);
+}
+
+const fake::ColumnDescription* columnOf(const Handle& statement, SQLUSMALLINT number) {
+  const fake::Result* result = self().currentResult(&statement);
+  if (result == nullptr || number < 1 || number > result->columns.size()) return nullptr;
+  return &result->columns[number - 1U];
+}
+
+void startResult(Handle& statement, std::size_t result) {
+  statement.executed = true;
+  statement.result = result;
+  statement.row = 0;
+  statement.column = 0;
+}
+
+SQLRETURN runCatalogFunction(const char* function, SQLHSTMT handle, const std::string& arguments) {
+  Call call(function, SQL_HANDLE_STMT, handle, arguments);
+  if (call.refused()) return call.rc();
+  call->key = function;
+  startResult(*call, 0);
+  return call.rc();
+}
+
+}  // namespace
+
+extern "C" {
+
+FakeOdbc* fakeOdbcInstance() {
+  return &self();
+}
+
+SQLRETURN SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) {
+  const std::lock_guard<std::recursive_mutex> lock(self().mutex);
+  auto* owner = static_cast<Handle*>(parent);
+  if (owner != nullptr &&
+      !self().check("SQLAllocHandle", static_cast<SQLSMALLINT>(type - 1), owner)) {
+    return SQL_INVALID_HANDLE;
+  }
+  const Answer answer = self().enter("SQLAllocHandle", owner, join(type));
+  if (!SQL_SUCCEEDED(answer.rc)) return answer.rc;
+  *handle = self().makeHandle(type, owner);
+  return answer.rc;
+}
+
+SQLRETURN SQLFreeHandle(SQLSMALLINT type, SQLHANDLE handle) {
+  Call call("SQLFreeHandle", type, handle, join(type));
+  if (call.rc() != SQL_INVALID_HANDLE) self().freeHandle(&*call);  // also when it says it failed
+  return call.rc();
+}
+
+SQLRETURN SQLSetEnvAttr(SQLHENV env, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
+  return Call("SQLSetEnvAttr", SQL_HANDLE_ENV, env, join(name, attribute(value), length)).rc();
+}
+
+SQLRETURN SQLSetConnectAttr(SQLHDBC dbc, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
+  return Call("SQLSetConnectAttr", SQL_HANDLE_DBC, dbc, join(name, attribute(value), length)).rc();
+}
+
+SQLRETURN SQLSetStmtAttr(SQLHSTMT stmt, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
+  Call call("SQLSetStmtAttr", SQL_HANDLE_STMT, stmt, join(name, attribute(value), length));
+  if (call.refused()) return call.rc();
+  if (name == SQL_ATTR_PARAMSET_SIZE) call->paramsetSize = reinterpret_cast<SQLULEN>(value);
+  if (name == SQL_ATTR_PARAM_STATUS_PTR) call->paramStatus = static_cast<SQLUSMALLINT*>(value);
+  return call.rc();
+}
+
+SQLRETURN SQLConnect(SQLHDBC dbc, SQLCHAR* dsn, SQLSMALLINT dsnLength, SQLCHAR* user,
+                     SQLSMALLINT userLength, SQLCHAR* password, SQLSMALLINT passwordLength) {
+  Call call(
+      "SQLConnect", SQL_HANDLE_DBC, dbc,
+      join(quoted(dsn, dsnLength), quoted(user, userLength), quoted(password, passwordLength)));
+  if (!call.refused()) call->connected = true;
+  return call.rc();
+}
+
+SQLRETURN SQLDriverConnect(SQLHDBC dbc, SQLHWND, SQLCHAR* in, SQLSMALLINT inLength, SQLCHAR* out,
+                           SQLSMALLINT room, SQLSMALLINT* length, SQLUSMALLINT completion) {
+  Call call("SQLDriverConnect", SQL_HANDLE_DBC, dbc, join(quoted(in, inLength), completion));
+  if (call.refused()) return call.rc();
+  call->connected = true;
+  give(text(in, inLength), out, room, length);
+  return call.rc();
+}
+
+SQLRETURN SQLDisconnect(SQLHDBC dbc) {
+  Call call("SQLDisconnect", SQL_HANDLE_DBC, dbc, "");
+  if (call.refused()) return call.rc();
+  if (self().hasLiveChildren(&*call)) self().misuses.push_back("disconnected with live statements");
+  call->connected = false;
+  return call.rc();
+}
+
+SQLRETURN SQLEndTran(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT completion) {
+  return Call("SQLEndTran", type, handle, join(type, completion)).rc();
+}
+
+SQLRETURN SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT type, SQLPOINTER value, SQLSMALLINT room,
+                     SQLSMALLINT* length) {
+  Call call("SQLGetInfo", SQL_HANDLE_DBC, dbc, join(type, room));
+  if (call.refused()) return call.rc();
+  if (type == SQL_DBMS_NAME) {
+    give(self().dbmsName, value, room, length);
+  } else if (type == SQL_DRIVER_ODBC_VER) {
+    give("03.52", value, room, length);
+  } else if (value != nullptr) {
+    const bool cursor = type == SQL_CURSOR_COMMIT_BEHAVIOR || type == SQL_CURSOR_ROLLBACK_BEHAVIOR;
+    give(static_cast<SQLUSMALLINT*>(value), cursor ? SQL_CB_PRESERVE : 0);
+    give(length, sizeof(SQLUSMALLINT));
+  }
+  return call.rc();
+}
+
+SQLRETURN SQLGetFunctions(SQLHDBC dbc, SQLUSMALLINT function, SQLUSMALLINT* supported) {
+  Call call("SQLGetFunctions", SQL_HANDLE_DBC, dbc, join(function));
+  if (call.refused()) return call.rc();
+  const auto has = [](SQLUSMALLINT id) { return self().unsupported.count(id) == 0; };
+  if (function == SQL_API_ODBC3_ALL_FUNCTIONS) {
+    std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, SQLUSMALLINT{0xFFFF});
+    for (const SQLUSMALLINT id : self().unsupported) {
+      supported[id >> 4] = static_cast<SQLUSMALLINT>(supported[id >> 4] & ~(1U << (id & 0xF)));
+    }
+  } else {
+    *supported = has(function) ? SQL_TRUE : SQL_FALSE;
+  }
+  return call.rc();
+}
+
+SQLRETURN SQLPrepare(SQLHSTMT stmt, SQLCHAR* sql, SQLINTEGER length) {
+  Call call("SQLPrepare", SQL_HANDLE_STMT, stmt, quoted(sql, length));
+  if (call.refused()) return call.rc();
+  call->key = text(sql, length);
+  call->executed = false;
+  call->result = 0;
+  return call.rc();
+}
+
+SQLRETURN SQLNumParams(SQLHSTMT stmt, SQLSMALLINT* count) {
+  Call call("SQLNumParams", SQL_HANDLE_STMT, stmt, "");
+  if (!call.refused()) give(count, self().describeParams(call->key).size());
+  return call.rc();
+}
+
+SQLRETURN SQLDescribeParam(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT* type, SQLULEN* size,
+                           SQLSMALLINT* digits, SQLSMALLINT* nullable) {
+  Call call("SQLDescribeParam", SQL_HANDLE_STMT, stmt, join(number));
+  if (call.refused()) return call.rc();
+  const auto& params = self().describeParams(call->key);
+  if (number < 1 || number > params.size()) {
+    return call.answer(SQL_ERROR, "07009", "no such parameter");
+  }
+  const fake::ParamDescription& param = params[number - 1U];
+  give(type, param.sqlType);
+  give(size, param.size);
+  give(digits, param.decimalDigits);
+  give(nullable, param.nullable);
+  return call.rc();
+}
+
+SQLRETURN SQLBindParameter(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT direction,
+                           SQLSMALLINT cType, SQLSMALLINT sqlType, SQLULEN columnSize,
+                           SQLSMALLINT digits, SQLPOINTER data, SQLLEN bufferBytes,
+                           SQLLEN* indicators) {
+  Call call("SQLBindParameter", SQL_HANDLE_STMT, stmt,
+            join(number, direction, cType, sqlType, columnSize, digits, address(data), bufferBytes,
+                 address(indicators)));
+  if (!call.refused()) call->bindings[number] = {cType, data, bufferBytes, indicators};
+  return call.rc();
+}
+
+SQLRETURN SQLExecute(SQLHSTMT stmt) {
+  Call call("SQLExecute", SQL_HANDLE_STMT, stmt, "");
+  if (call.rc() == SQL_INVALID_HANDLE) return call.rc();
+  self().executions.push_back(self().snapshot(*call));
+  if (call->paramStatus != nullptr) {
+    const auto scripted = self().paramStatus.value_or(
+        std::vector<SQLUSMALLINT>(call->paramsetSize, SQL_PARAM_SUCCESS));
+    std::copy_n(scripted.begin(), std::min<SQLULEN>(scripted.size(), call->paramsetSize),
+                call->paramStatus);
+  }
+  if (!call.refused()) startResult(*call, 0);
+  return call.rc();
+}
+
+SQLRETURN SQLNumResultCols(SQLHSTMT stmt, SQLSMALLINT* count) {
+  Call call("SQLNumResultCols", SQL_HANDLE_STMT, stmt, "");
+  if (call.refused()) return call.rc();
+  const fake::Result* result = self().currentResult(&*call);
+  give(count, result == nullptr ? 0 : result->columns.size());
+  return call.rc();
+}
+
+SQLRETURN SQLDescribeCol(SQLHSTMT stmt, SQLUSMALLINT number, SQLCHAR* name, SQLSMALLINT room,
+                         SQLSMALLINT* nameLength, SQLSMALLINT* type, SQLULEN* size,
+                         SQLSMALLINT* digits, SQLSMALLINT* nullable) {
+  Call call("SQLDescribeCol", SQL_HANDLE_STMT, stmt, join(number, room));
+  if (call.refused()) return call.rc();
+  const fake::ColumnDescription* column = columnOf(*call, number);
+  if (column == nullptr) return call.answer(SQL_ERROR, "07009", "no such column");
+  give(type, column->sqlType);
+  give(size, column->columnSize);
+  give(digits, column->decimalDigits);
+  give(nullable, column->nullable);
+  if (give(column->name, name, room, nameLength)) return call.rc();
+  return call.answer(SQL_SUCCESS_WITH_INFO, "01004", "name cut");
+}
+
+SQLRETURN SQLColAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQLUSMALLINT field, SQLPOINTER chars,
+                          SQLSMALLINT room, SQLSMALLINT* length, SQLLEN* value) {
+  Call call("SQLColAttribute", SQL_HANDLE_STMT, stmt, join(number, field, room));
+  if (call.refused()) return call.rc();
+  const fake::ColumnDescription* column = columnOf(*call, number);
+  if (column == nullptr) return call.answer(SQL_ERROR, "07009", "no such column");
+  switch (field) {
+    case SQL_DESC_NAME:
+    case SQL_DESC_LABEL:
+    case SQL_COLUMN_NAME:
+      if (give(column->name, chars, room, length)) return call.rc();
+      return call.answer(SQL_SUCCESS_WITH_INFO, "01004", "name cut");
+    case SQL_DESC_CONCISE_TYPE:
+    case SQL_DESC_TYPE:
+      give(value, column->sqlType);
+      break;
+    case SQL_DESC_DISPLAY_SIZE:
+      give(value, column->displaySize);
+      break;
+    case SQL_DESC_UNSIGNED:
+      give(value, column->isUnsigned ? SQL_TRUE : SQL_FALSE);
+      break;
+    case SQL_DESC_LENGTH:
+    case SQL_DESC_OCTET_LENGTH:
+    case SQL_DESC_PRECISION:
+    case SQL_COLUMN_LENGTH:
+    case SQL_COLUMN_PRECISION:
+      give(value, column->columnSize);
+      break;
+    case SQL_DESC_SCALE:
+    case SQL_COLUMN_SCALE:
+      give(value, column->decimalDigits);
+      break;
+    case SQL_DESC_NULLABLE:
+    case SQL_COLUMN_NULLABLE:
+      give(value, column->nullable);
+      break;
+    default:
+      give(value, 0);
+  }
+  return call.rc();
+}
+
+SQLRETURN SQLFetch(SQLHSTMT stmt) {
+  Call call("SQLFetch", SQL_HANDLE_STMT, stmt, "");
+  if (call.refused()) return call.rc();
+  const fake::Result* result = self().currentResult(&*call);
+  if (!call->executed || result == nullptr || result->columns.empty()) {
+    return call.answer(SQL_ERROR, "24000", "no open cursor");
+  }
+  call->column = 0;
+  if (call->row >= result->rows.size() * result->repeat) return SQL_NO_DATA;
+  ++call->row;
+  return call.rc();
+}
+
+SQLRETURN SQLGetData(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT cType, SQLPOINTER data,
+                     SQLLEN room, SQLLEN* indicator) {
+  Call call("SQLGetData", SQL_HANDLE_STMT, stmt, join(number, cType, room));
+  if (call.refused()) return call.rc();
+  if (columnOf(*call, number) == nullptr || call->row == 0) {
+    return call.answer(SQL_ERROR, "07009", "no such column");
+  }
+  const fake::Result& result = *self().currentResult(&*call);
+  const fake::Cell& cell = result.rows[(call->row - 1) % result.rows.size()][number - 1U];
+  if (call->column != number) {
+    call->column = number;
+    call->offset = 0;
+    call->finished = false;
+  }
+  if (call->finished) return SQL_NO_DATA;
+  if (cell.null) {
+    call->finished = true;
+    give(indicator, SQL_NULL_DATA);
+    return call.rc();
+  }
+  if (const std::size_t fixed = fake::fixedBytes(cType); fixed != 0) {
+    call->finished = true;
+    std::memcpy(data, cell.bytes.data(), std::min(fixed, cell.bytes.size()));
+    give(indicator, fixed);
+    return call.rc();
+  }
+  const auto left = static_cast<SQLLEN>(cell.bytes.size() - call->offset);
+  SQLLEN piece = std::max<SQLLEN>(0, cType == SQL_C_CHAR ? room - 1 : room);
+  if (cell.pieceBytes > 0) piece = std::min(piece, cell.pieceBytes);
+  piece = std::min(piece, left);
+  std::memcpy(data, cell.bytes.data() + call->offset, static_cast<std::size_t>(piece));
+  if (cType == SQL_C_CHAR && room > 0) static_cast<char*>(data)[piece] = 0;
+  call->offset += static_cast<std::size_t>(piece);
+  call->finished = piece == left;
+  const bool known =
+      cell.total == fake::Total::kKnown || (cell.total == fake::Total::kUnknown && call->finished);
+  give(indicator, known ? left : SQLLEN{SQL_NO_TOTAL});
+  if (call->finished) return call.rc();
+  return call.answer(SQL_SUCCESS_WITH_INFO, "01004", "data cut");
+}
+
+SQLRETURN SQLRowCount(SQLHSTMT stmt, SQLLEN* count) {
+  Call call("SQLRowCount", SQL_HANDLE_STMT, stmt, "");
+  if (call.refused()) return call.rc();
+  const fake::Result* result = self().currentResult(&*call);
+  give(count, result == nullptr ? 0 : result->rowCount);
+  return call.rc();
+}
+
+SQLRETURN SQLMoreResults(SQLHSTMT stmt) {
+  Call call("SQLMoreResults", SQL_HANDLE_STMT, stmt, "");
+  if (call.refused()) return call.rc();
+  startResult(*call, call->result + 1);
+  return self().currentResult(&*call) == nullptr ? SQLRETURN{SQL_NO_DATA} : call.rc();
+}
+
+SQLRETURN SQLFreeStmt(SQLHSTMT stmt, SQLUSMALLINT option) {
+  Call call("SQLFreeStmt", SQL_HANDLE_STMT, stmt, join(option));
+  if (call.refused()) return call.rc();
+  if (option == SQL_RESET_PARAMS) call->bindings.clear();
+  if (option == SQL_CLOSE) {
+    call->executed = false;
+    call->result = 0;
+    call->row = 0;
+  }
+  return call.rc();
+}
+
+SQLRETURN SQLCloseCursor(SQLHSTMT stmt) {
+  Call call("SQLCloseCursor", SQL_HANDLE_STMT, stmt, "");
+  if (!call.refused()) call->executed = false;
+  return call.rc();
+}
+
+SQLRETURN SQLCancel(SQLHSTMT stmt) {
+  return Call("SQLCancel", SQL_HANDLE_STMT, stmt, "").rc();
+}
+
+SQLRETURN SQLTables(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
+                    SQLSMALLINT schemaLength, SQLCHAR* table, SQLSMALLINT tableLength,
+                    SQLCHAR* type, SQLSMALLINT typeLength) {
+  return runCatalogFunction(
+      "SQLTables", stmt,
+      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
+           schemaLength, quoted(table, tableLength), tableLength, quoted(type, typeLength),
+           typeLength));
+}
+
+SQLRETURN SQLColumns(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
+                     SQLSMALLINT schemaLength, SQLCHAR* table, SQLSMALLINT tableLength,
+                     SQLCHAR* column, SQLSMALLINT columnLength) {
+  return runCatalogFunction(
+      "SQLColumns", stmt,
+      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
+           schemaLength, quoted(table, tableLength), tableLength, quoted(column, columnLength),
+           columnLength));
+}
+
+SQLRETURN SQLPrimaryKeys(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength,
+                         SQLCHAR* schema, SQLSMALLINT schemaLength, SQLCHAR* table,
+                         SQLSMALLINT tableLength) {
+  return runCatalogFunction(
+      "SQLPrimaryKeys", stmt,
+      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
+           schemaLength, quoted(table, tableLength), tableLength));
+}
+
+SQLRETURN SQLProcedures(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
+                        SQLSMALLINT schemaLength, SQLCHAR* procedure, SQLSMALLINT procedureLength) {
+  return runCatalogFunction(
+      "SQLProcedures", stmt,
+      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
+           schemaLength, quoted(procedure, procedureLength), procedureLength));
+}
+
+SQLRETURN SQLProcedureColumns(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength,
+                              SQLCHAR* schema, SQLSMALLINT schemaLength, SQLCHAR* procedure,
+                              SQLSMALLINT procedureLength, SQLCHAR* column,
+                              SQLSMALLINT columnLength) {
+  return runCatalogFunction(
+      "SQLProcedureColumns", stmt,
+      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
+           schemaLength, quoted(procedure, procedureLength), procedureLength,
+           quoted(column, columnLength), columnLength));
+}
+
+SQLRETURN SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLCHAR* state,
+                        SQLINTEGER* native, SQLCHAR* message, SQLSMALLINT room,
+                        SQLSMALLINT* length) {
+  Call call("SQLGetDiagRec", type, handle, join(number, room));
+  if (call.refused()) return call.rc();
+  if (number < 1 || static_cast<std::size_t>(number) > call->records.size()) return SQL_NO_DATA;
+  const fake::Diagnostic& record = call->records[static_cast<std::size_t>(number) - 1];
+  if (state != nullptr) give(record.state, state, 6, nullptr);
+  give(native, record.native);
+  return give(record.message, message, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+}
+
+SQLRETURN SQLGetDiagField(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLSMALLINT field,
+                          SQLPOINTER value, SQLSMALLINT room, SQLSMALLINT* length) {
+  Call call("SQLGetDiagField", type, handle, join(number, field, room));
+  if (call.refused()) return call.rc();
+  if (field == SQL_DIAG_NUMBER) {
+    give(static_cast<SQLINTEGER*>(value), call->records.size());
+    return SQL_SUCCESS;
+  }
+  if (number < 1 || static_cast<std::size_t>(number) > call->records.size()) return SQL_NO_DATA;
+  const fake::Diagnostic& record = call->records[static_cast<std::size_t>(number) - 1];
+  switch (field) {
+    case SQL_DIAG_NATIVE:
+      give(static_cast<SQLINTEGER*>(value), record.native);
+      return SQL_SUCCESS;
+    case SQL_DIAG_SQLSTATE:
+      return give(record.state, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+    case SQL_DIAG_MESSAGE_TEXT:
+      return give(record.message, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+    default:
+      return give("", value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+  }
+}
+
+}  // extern "C"
