@@ -139,6 +139,12 @@ ResultCode OdbcDatabaseMetadata::loadTables(const std::string& schema,
   return kSuccess;
 }
 
+// Of two tables of the same name.
+bool OdbcDatabaseMetadata::sameTable(const Table& a, const Table& b) {
+  return a.catalog == b.catalog && a.schema == b.schema;
+}
+
+// The rows come table by table, in the order of the columns.
 ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
                                              std::vector<ScannedColumn>& columns) {
   ODBC::OdbcDbc* dbc = connection_.getDbc();
@@ -151,7 +157,9 @@ ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
                    textAt(rows, kTableName, kNullText)};
     if (owner.name != table.name) return;  // the name was taken as a pattern
     if (!table.schema.empty() && owner.schema != table.schema) return;
-    OdbcColumn column(textAt(rows, kColumnName, kNullText), static_cast<int>(columns.size()) + 1,
+    const bool first = columns.empty() || !sameTable(columns.back().table, owner);
+    const int position = first ? 1 : columns.back().column.getPosition() + 1;
+    OdbcColumn column(textAt(rows, kColumnName, kNullText), position,
                       zelDataType(numberAt(rows, kDataType), databaseType),
                       numberAt(rows, kColumnSize), numberAt(rows, kNullable) != SQL_NO_NULLS, false,
                       numberAt(rows, kDecimalDigits), databaseType);
@@ -163,9 +171,6 @@ ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
 // Of several tables of the same name, in different schemas, leaves the columns of one.
 ResultCode OdbcDatabaseMetadata::keepOneTable(const std::string& schema,
                                               std::vector<ScannedColumn>& columns) {
-  const auto sameTable = [](const Table& a, const Table& b) {
-    return a.catalog == b.catalog && a.schema == b.schema;
-  };
   Table kept = columns.front().table;
   const bool several = std::ranges::any_of(
       columns, [&](const auto& scanned) { return !sameTable(scanned.table, kept); });

@@ -77,6 +77,7 @@ class OdbcDatabaseMetadata final : public DatabaseMetadata {
   using TableKey = std::pair<std::string, std::string>;  // schema, name as asked for
   using Columns = std::vector<OdbcColumn>;
 
+  static bool sameTable(const Table& a, const Table& b);
   ResultCode loadTables(const std::string& schema, const std::vector<Table>*& tables);
   ResultCode scanSchemas(std::vector<std::string>& names);
   ResultCode scanTables(const std::string& schema, std::vector<Table>& tables);
