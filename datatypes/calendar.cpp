@@ -46,7 +46,8 @@ long tm2secUtc(const std::tm* t) {
 
 bool breakDownUtc(long seconds, std::tm& out) {
   const long days = floorDivide(seconds, kSecondsPerDay);
-  const auto secondOfDay = static_cast<int>(seconds - days * kSecondsPerDay);
+  const long remainder = seconds % kSecondsPerDay;
+  const auto secondOfDay = static_cast<int>(remainder < 0 ? remainder + kSecondsPerDay : remainder);
   // Years begin on 1 March here, so that the leap day is the last one.
   const long shifted = days + 719468;
   const long era = floorDivide(shifted, 146097);

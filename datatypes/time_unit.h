@@ -4,8 +4,9 @@
 
 namespace DataTypes {
 
-// Units of an interval. The values are fixed: functions test their range.
-enum TimeUnit {
+// Units of an interval. The values are fixed: functions test their range, and any number may come
+// from outside.
+enum TimeUnit : int {
   NONE = 0,
   INVALID = 1,
   MICROSECOND = 2,

@@ -1,0 +1,321 @@
+#include "datatypes/picture_text.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <ctime>
+
+#include "datatypes/time_format_parser.h"
+#include "scoped_time_zone.h"
+
+namespace DataTypes {
+namespace {
+
+constexpr long kTime = 1262401445678;     // 2010-01-02 03:04:05.678, a Saturday
+constexpr long kEvening = 1281819845006;  // 2010-08-14 21:04:05.006, a Saturday
+
+std::string timestamp(long value, const char* picture, const char* zone = nullptr) {
+  std::string out = "former";
+  TimestampToString(value, picture, zone, out);
+  return out;
+}
+
+TEST(PicturePrint, Tokens) {
+  const struct {
+    long value;
+    const char *picture, *text;
+  } rows[] = {
+      {kTime, "YYYY-MM-DD\"T\"HH24:MI:SS", "2010-01-02T03:04:05"},
+      {kTime, "yyyy/yyy/yy/y", "2010/010/10/0"},
+      {kTime, "Q MM DD DDD D W WW", "1 01 02 002 7 1 01"},
+      {kEvening, "Q MM DD DDD D W WW", "3 08 14 226 7 2 33"},
+      {kEvening, "FMMM DD HH HH24 WW DDDFM MM", "8 14 9 21 33 226 08"},
+      {kTime, "Month|MONTH|month|monTH", "  January|  JANUARY|  january|  January"},
+      {kTime, "FMMonth|MONTH|month", "January|JANUARY|january"},
+      {kEvening, "MON|Mon|mon|RM|Rm|rm", "AUG|Aug|aug|VIII|Viii|viii"},
+      {kEvening, "DAY|Day|day|DY|Dy|dy", "SATURDAY|Saturday|saturday|SAT|Sat|sat"},
+      {kTime, "AM PM am pm Am pM", "AM AM am am Am Am"},
+      {kEvening, "AM|am|Pm", "PM|pm|Pm"},
+      {0, "HH12 HH HH24", "12 12 00"},
+      {43200000, "HH12 AM", "12 PM"},
+      {kEvening, "HH12:MI:SS SSSSS", "09:04:05 75845"},
+      {kTime, "FF FF1 FF2 FF3 FF6 FF7 FF9", "678000 6 67 678 678000 6780000 678000000"},
+      {kTime, "FMFF FF1 FF2 FF9", "678 6 67 678"},
+      {0, "FMFF FF3", "0 0"},
+      {kEvening, "FF3 FMFF3", "006 006"},
+      {kTime, "MS FF", "1262401445678 678"},
+      {kTime, "SE", "1262401445"},
+      {kTime, "MIC", "1262401445678000"},
+      {1, "MIC FMMIC", "0000000000001000 1000"},
+      {-1500, "FF", "-500000"},
+      {-1500, "SE MS MIC FF FF3", "-1 -1500 -000000001500000 -500 -500"},
+      {-1500, "YYYY-MM-DD HH24:MI:SS", "1969-12-31 23:59:59"},
+      {kTime, "\"YYYY \"\"\"YYYY", "YYYY 2010"},
+      {kTime, "", ""},
+      // what the table does not complete
+      {kTime, "A P F T H R M S", "A P F T H R M S"},
+      {kTime, "DA DAX", "7A 7AX"},
+      {kEvening, "HH1 HH2x HHx", "091 092x 09x"},
+      {kTime, "MINUTE SECON MONT MO", "04NUTE 1262401445CON JANT MO"},
+      {kTime, "SSS SSSS YYYYY", "05S 0505 20100"},
+      {kTime, "FF0 FFX", "6780000 678000X"},
+      {kTime, "TZ B,", "TZ B,"},
+      {-62135596800000 - 86400000, "YYYY YY", "0000 00"},
+      {253402300800000, "YYYY YYY", "10000 000"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(timestamp(row.value, row.picture), row.text) << row.picture;
+}
+
+TEST(PicturePrint, Refused) {
+  for (const char* picture : {"RR", "RRRR", "DAYS", "HOURS", "MINUTES", "SECONDS", "\"open", "Y\""})
+    EXPECT_EQ(timestamp(kTime, picture), "") << picture;
+  EXPECT_EQ(timestamp(kTime, "YYYY", "Mars/Phobos"), "");
+  EXPECT_EQ(timestamp(kTime, nullptr), "");
+  std::string out = "former";
+  DateToString(LONG_MAX, "YYYY", nullptr, out);
+  EXPECT_EQ(out, "") << "no 64-bit microseconds";
+  EXPECT_NE(timestamp(9223372036854775, "YYYY"), "");
+  EXPECT_EQ(timestamp(9223372036854776, "YYYY"), "");
+}
+
+TEST(PicturePrint, Zones) {
+  const struct {
+    long value;
+    const char *zone, *picture, *text;
+  } rows[] = {
+      {kTime, "Europe/Paris", "HH24 TZH:TZM TZD TZR",
+       "04 01:00 GMT+1 Central European Standard Time"},
+      {kEvening, "Europe/Paris", "HH24 TZH:TZM", "23 02:00"},
+      {kEvening, "America/New_York", "HH24 TZH:TZM TZD|TZR", "17 -04:00 EDT|Eastern Daylight Time"},
+      {kTime, "America/New_York", "DD HH24 TZH TZD|TZR", "01 22 -05 EST|Eastern Standard Time"},
+      {kTime, "America/St_Johns", "TZH:TZM FMTZH", "-03:30 -3"},
+      {kTime, "", "HH24 TZH TZM TZD", "03 00 00 UTC"},
+      {kTime, "Asia/Tokyo", "SE MIC MS", "1262433845 1262401445678000 1262433845678"},
+  };
+  const ScopedTimeZone utc("UTC");
+  for (const auto& row : rows)
+    EXPECT_EQ(timestamp(row.value, row.picture, row.zone), row.text) << row.picture;
+}
+
+TEST(PicturePrint, Units) {
+  std::string out;
+  DateToString(1262401445, "YYYY-MM-DD HH24:MI:SS.FF MIC MS", nullptr, out);
+  EXPECT_EQ(out, "2010-01-02 03:04:05.000000 1262401445000000 1262401445000");
+  BigDateTimeToString(1262401445678901, "SS.FF MIC MS SE FF", nullptr, out);
+  EXPECT_EQ(out, "05.678901 1262401445678901 1262401445678 1262401445 678");
+}
+
+struct ReadRow {
+  const char *text, *picture;
+  bool isOk;
+  long millis;
+};
+
+void expectRead(const ReadRow& row) {
+  long value = 77;
+  EXPECT_EQ(TimestampFromString(row.text, row.picture, value), row.isOk)
+      << row.text << " by " << row.picture;
+  EXPECT_EQ(value, row.isOk ? row.millis : 77) << row.text << " by " << row.picture;
+}
+
+TEST(PictureRead, Accepted) {
+  const ScopedTimeZone utc("UTC");
+  constexpr long kDay = 1262390400000;  // 2010-01-02
+  const ReadRow rows[] = {
+      {"2010-01-02T03:04:05", "YYYY-MM-DD\"T\"HH24:MI:SS", true, kTime - 678},
+      {"2010/1.2 3:4:5,678", "YYYY-MM-DD HH24:MI:SS.FF", true, kTime},
+      {"  2010 - 01-02  ", "YYYY-MM-DD", true, kDay},
+      {"20100102", "YYYYMMDD", true, kDay},
+      {"2010-Jan-2", "YYYY-Mon-DD", true, kDay},
+      {"2010 JANUARY 02", "YYYY MONTH DD", true, kDay},
+      {"VIII 14 2010", "RM DD YYYY", true, 1281744000000},
+      {"xii 14 2010", "rm DD YYYY", true, 1292284800000},
+      {"Sat Saturday 2010-01-02", "Dy Day RRRR-MM-DD", true, kDay},
+      {"2010-01-02 09:00 PM", "YYYY-MM-DD HH:MI AM", true, kDay + 75600000},
+      {"2010-01-02 12:00 am", "YYYY-MM-DD HH12:MI pm", true, kDay},
+      {"2010-01-02 12 Pm", "YYYY-MM-DD HH Am", true, kDay + 43200000},
+      {"2010-01-02 11045", "YYYY-MM-DD SSSSS", true, kDay + 11045000},
+      {"2010-01-02 .5", "YYYY-MM-DD .FF", true, kDay + 500},
+      {"1262401445", "SE", true, 1262401445000},
+      {"-1", "SE", true, -1000},
+      {"1262401445678", "MS", true, kTime},
+      {"1262401445678.9", "MS.FF", true, kTime + 1000},
+      {"-1500", "MS", true, -1000},
+      {"1262401445678901", "MIC", true, kTime},
+      {"-9223372036854775808", "MIC", true, -9223372036854775},
+      {"03:04", "HH24:MI", true, -2208977760000},  // 1900
+      {"2010-01-02 00:00 +01:30", "YYYY-MM-DD HH24:MI TZH:TZM", true, kDay + 5400000},
+      {"2010-01-02 00:00 -01:30", "YYYY-MM-DD HH24:MI TZH:TZM", true, kDay - 5400000},
+      {"2010-01-02 Europe/Paris", "YYYY-MM-DD TZD", true, kDay + 3600000},
+      {"2010-01-02 Europe/Paris", "YYYY-MM-DD TZR", true, kDay + 3600000},
+      {"2010-01-02 Mars/Phobos", "YYYY-MM-DD TZR", true, kDay},
+      {"2010-01-02 GMT+2", "YYYY-MM-DD TZR", true, kDay + 7200000},
+      {"2010-01-02 Europe/Paris", "YYYY-MM-DD TZDTZR", true, kDay + 3600000},
+      {"2010x01", "YYYY MM", true, 1262304000000},
+      {"2010-01-02", "FXYYYY-MM-DD", true, kDay},
+      {"2010-1-2", "FXFMYYYY-MM-DD", true, kDay},
+      {"2010-02-31", "YYYY-MM-DD", true, 1267574400000},
+      {"", "", true, -2208988800000},
+      {"2010 ", "YYYY  ", true, 1262304000000},
+  };
+  for (const auto& row : rows) expectRead(row);
+}
+
+TEST(PictureRead, Refused) {
+  const ReadRow rows[] = {
+      {"2010-01-02x", "YYYY-MM-DD", false, 0},
+      {"2010", "YYYY-MM", false, 0},
+      {"x", "YYYY", false, 0},
+      {"", "YYYY", false, 0},
+      {"2010 2010", "YYYY YYYY", false, 0},
+      {"00", "DD", false, 0},
+      {"32", "DD", false, 0},
+      {"13", "MM", false, 0},
+      {"0", "MM", false, 0},
+      {"13", "HH12", false, 0},
+      {"0", "HH", false, 0},
+      {"24", "HH24", false, 0},
+      {"60", "MI", false, 0},
+      {"60", "SS", false, 0},
+      {"86400", "SSSSS", false, 0},
+      {"5 10", "MI SSSSS", false, 0},
+      {"5 10", "HH HH24", false, 0},
+      {"AM 10", "AM HH24", false, 0},
+      {"AM PM", "AM PM", false, 0},
+      {"am", "AM", false, 0},
+      {"AM", "Am", false, 0},
+      {"january", "MONTH", false, 0},
+      {"01 JAN", "MM MON", false, 0},
+      {"SUN", "Dy", false, 0},
+      {"2010 5", "YYYY SE", false, 0},
+      {"5 2010", "SE YYYY", false, 0},
+      {"5 6", "SE MS", false, 0},
+      {"5 6", "MIC SE", false, 0},
+      {"5 6", "MS MIC", false, 0},
+      {"5 6", "MIC MIC", false, 0},
+      {"9223372036854775808", "MS", false, 0},
+      {"-9223372036854775809", "MIC", false, 0},
+      {"9223372036854776", "SE", false, 0},
+      {"--5", "SE", false, 0},
+      {"2010-01-02 Mars/Phobos", "YYYY-MM-DD TZD", false, 0},
+      {"+01 +02", "TZH TZH", false, 0},
+      {"x", "TZH", false, 0},
+      {"2010-1-02", "FXYYYY-MM-DD", false, 0},
+      {"2010/01", "FXYYYY-MM", false, 0},
+      {"2010 ", "FXYYYY", false, 0},
+      {"2010x01", "FXYYYY MM", false, 0},
+      {"2010", "YYYY\"", false, 0},
+      {"2010x", "YYYYy", false, 0},
+      {"1", "D", false, 0},
+      {"1", "DDD", false, 0},
+      {"1", "Q", false, 0},
+      {"1", "W", false, 0},
+      {"1", "WW", false, 0},
+      {"1", "FF3", false, 0},
+      {"1", "DAYS", false, 0},
+      {"1", "HOURS", false, 0},
+      {nullptr, "Q", false, 0},
+      {"1", nullptr, false, 0},
+  };
+  for (const auto& row : rows)
+    if (row.text != nullptr && row.picture != nullptr) expectRead(row);
+  long value = 77;
+  EXPECT_FALSE(TimestampFromString(nullptr, "YYYY", value));
+  EXPECT_FALSE(DateFromString("1", nullptr, value));
+}
+
+TEST(PictureRead, YearsWithoutCentury) {
+  std::tm now{};
+  const std::time_t seconds = std::time(nullptr);
+  gmtime_r(&seconds, &now);
+  const int year = now.tm_year + 1900;
+  const bool isSecondHalf = year % 100 > 49;
+  const struct {
+    const char *text, *picture;
+    int year;
+  } rows[] = {{"5", "Y", year / 10 * 10 + 5},
+              {"05", "YY", year / 100 * 100 + 5},
+              {"005", "YYY", year / 1000 * 1000 + 5},
+              {"60", "RR", isSecondHalf ? year / 100 * 100 + 60 : year / 100 * 100 - 40},
+              {"05", "RR", isSecondHalf ? year + (year / 100 + 1) * 100 : year / 100 * 100 + 5}};
+  for (const auto& row : rows) {
+    long read = 0;
+    ASSERT_TRUE(DateFromString(row.text, row.picture, read)) << row.picture;
+    std::tm t{};
+    gmtime_r(&read, &t);
+    EXPECT_EQ(t.tm_year + 1900, row.year) << row.picture;
+  }
+}
+
+TEST(PictureRead, Units) {
+  long value = 0;
+  EXPECT_TRUE(DateFromString("1500", "MS", value));
+  EXPECT_EQ(value, 1);
+  EXPECT_TRUE(TimeFromString("1970-01-01 01:00:00.9", "YYYY-MM-DD HH24:MI:SS.FF", value));
+  EXPECT_EQ(value, 3600);
+  EXPECT_TRUE(
+      BigDateTimeFromString("1970-01-01 00:00:01.000009", "YYYY-MM-DD HH24:MI:SS.FF", value));
+  EXPECT_EQ(value, 1000009);
+  EXPECT_TRUE(BigDateTimeFromString("-7", "MIC", value));
+  EXPECT_EQ(value, -7);
+  EXPECT_TRUE(DateFromString("1999999", "MIC", value));
+  EXPECT_EQ(value, 1);
+}
+
+TEST(PictureRead, PrintedPicturesReadBack) {
+  const char* const pictures[] = {"YYYY-MM-DD HH24:MI:SS.FF",
+                                  "Day, DD Month YYYY HH12:MI:SS.FF AM",
+                                  "RM/DD/YYYY SSSSS,FF",
+                                  "FMDy Mon DD YYYY HH:MI:SS PMFM.FF",
+                                  "MS",
+                                  "FXYYYY\"year\"MM\"month\"DD HH24MISS FF"};
+  for (const char* picture : pictures) {
+    for (long value = 3; value < 4102444800000; value = value * 3 / 2 + 86399999) {
+      const std::string text = timestamp(value, picture);
+      long read = 0;
+      ASSERT_TRUE(TimestampFromString(text.c_str(), picture, read)) << text << " by " << picture;
+      ASSERT_EQ(read, value) << text << " by " << picture;
+    }
+  }
+}
+
+// The server may derive from the parser: a handler's slot is part of the contract.
+template <class Handler>
+std::size_t slotOf(Handler handler) {
+  std::size_t word = 0;
+  std::memcpy(&word, &handler, sizeof word);
+  return (word - 1) / sizeof(void*);
+}
+
+TEST(TimeFormatParser, SlotOrder) {
+  using P = TimeFormatParser;
+  std::size_t slot = 0;
+  EXPECT_EQ(slotOf(&P::OnFieldFM), slot++);
+  EXPECT_EQ(slotOf(&P::IsDone), slot++);
+  EXPECT_EQ(slotOf(&P::OnChar), slot++);
+  for (const auto handler : {&P::OnFieldAM, &P::OnFieldPM}) EXPECT_EQ(slotOf(handler), slot++);
+  for (const auto handler : {&P::OnFieldD, &P::OnFieldDD, &P::OnFieldDDD})
+    EXPECT_EQ(slotOf(handler), slot++);
+  for (const auto handler : {&P::OnFieldDAY, &P::OnFieldDY}) EXPECT_EQ(slotOf(handler), slot++);
+  for (const auto handler : {&P::OnFieldHH, &P::OnFieldHH12, &P::OnFieldHH24, &P::OnFieldMI,
+                             &P::OnFieldMIC, &P::OnFieldMM})
+    EXPECT_EQ(slotOf(handler), slot++);
+  for (const auto handler : {&P::OnFieldMON, &P::OnFieldMONTH}) EXPECT_EQ(slotOf(handler), slot++);
+  EXPECT_EQ(slotOf(&P::OnFieldMS), slot++);
+  EXPECT_EQ(slotOf(&P::OnFieldRM), slot++);
+  for (const auto handler : {&P::OnFieldQ, &P::OnFieldSS, &P::OnFieldSE, &P::OnFieldFF})
+    EXPECT_EQ(slotOf(handler), slot++);
+  EXPECT_EQ(slotOf(&P::OnFieldFFn), slot++);
+  for (const auto handler :
+       {&P::OnFieldSSSSS, &P::OnFieldTZD, &P::OnFieldTZH, &P::OnFieldTZM, &P::OnFieldTZR,
+        &P::OnFieldW, &P::OnFieldWW, &P::OnFieldRR, &P::OnFieldRRRR, &P::OnFieldY, &P::OnFieldYY,
+        &P::OnFieldYYY, &P::OnFieldYYYY, &P::OnFieldDAYS, &P::OnFieldHOURS, &P::OnFieldMINUTES,
+        &P::OnFieldSECONDS, &P::OnEndOfParse})
+    EXPECT_EQ(slotOf(handler), slot++);
+  EXPECT_EQ(slot, 43U);
+}
+
+}  // namespace
+}  // namespace DataTypes
