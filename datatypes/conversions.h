@@ -41,7 +41,7 @@ int convertFromStringAndPack(const unsigned int& type, bool swap, const char* te
 // Reads a text into a cell, which is not null afterwards. The payload's unused bytes are zero.
 // Strings and binaries are allocated with malloc, and one that the cell held before is freed unless
 // the cell was null. Returns false with `message` set; the cell is unchanged then.
-// Kept: hexadecimal text with white space is refused here.
+// Kept: hexadecimal text with more than one white-space character is refused here.
 bool convertFromString(const unsigned int& type, const char* text, DataValue& cell,
                        const char*& message, const char* dateFormat, const char* timestampFormat,
                        const char* bigdatetimeFormat, const char* timeFormat);

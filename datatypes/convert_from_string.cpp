@@ -310,7 +310,7 @@ bool setBinary(const char* text, DataValue& cell, const char*& message) {
     return false;
   }
   const int length = convertBinaryFromHexString(text, data, expected, message);
-  // Kept: white space makes the text longer than its bytes and is therefore refused here.
+  // Kept: the length promises the bytes, so all but a single white-space character is refused.
   if (length < 0 || static_cast<std::size_t>(length) != expected) {
     std::free(data);
     message = "DataType::convertFromString() could not convert binary data from hex.";

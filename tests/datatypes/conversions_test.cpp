@@ -1,0 +1,624 @@
+#include "datatypes/conversions.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "datatypes/settings.h"
+#include "datatypes/type_table.h"
+#include "scoped_time_zone.h"
+
+namespace DataTypes {
+namespace {
+
+constexpr unsigned kMoneyOf(unsigned decimals) {
+  return kMoney1 + decimals - 1;
+}
+
+constexpr const char* kUnknownType = "conversion to unknown type";
+
+DataValue int64Cell(long value) {
+  DataValue cell;
+  cell.int64 = value;
+  return cell;
+}
+
+DataValue doubleCell(double value) {
+  DataValue cell;
+  cell.float64 = value;
+  return cell;
+}
+
+std::string textOf(unsigned type, DataValue cell, bool withZone = false) {
+  char out[400] = "untouched";
+  convertToString(type, false, withZone, cell, out, sizeof out);
+  return out;
+}
+
+TEST(ConvertToString, IntegersTimesAndMoney) {
+  const struct {
+    unsigned type;
+    long value;
+    const char *text, *zoned;
+  } rows[] = {
+      {kInt16, -32768, "-32768", "-32768"},
+      {kInteger, INT_MIN, "-2147483648", "-2147483648"},
+      {kLong, LONG_MIN, "-9223372036854775808", "-9223372036854775808"},
+      {kInterval, 1500000, "1500000", "1500000"},
+      {kDate, 0, "1970-01-01 00:00:00", "1970-01-01 00:00:00+00"},
+      {kDate, -1, "1969-12-31 23:59:59", "1969-12-31 23:59:59+00"},
+      {kDate, 253402300800, "10000-01-01 00:00:00", "10000-01-01 00:00:00+00"},
+      {kDate, -62167219201, "-001-12-31 23:59:59", "-001-12-31 23:59:59+00"},
+      {kDate, LONG_MAX, "1970-01-01 00:00:00", "1970-01-01 00:00:00+00"},
+      {kTimestamp, -1, "1969-12-31 23:59:59.999", "1969-12-31 23:59:59.999+00"},
+      {kTimestamp, 1262401445006, "2010-01-02 03:04:05.006", "2010-01-02 03:04:05.006+00"},
+      {kBigDateTime, -1, "1969-12-31 23:59:59.999999", "1969-12-31 23:59:59.999999+00"},
+      {kBigDateTime, 1262401445000006, "2010-01-02 03:04:05.000006",
+       "2010-01-02 03:04:05.000006+00"},
+      {kTime, 45296, "12:34:56", "12:34:56+00"},
+      {kTime, 86400 + 1, "00:00:01", "00:00:01+00"},
+      {kTime, -1, "23:59:59", "23:59:59+00"},
+      {kBoolean, 0, "false", "false"},
+      {kBoolean, 2, "true", "true"},
+      {kMoney, 12345, "1.2345", "1.2345"},
+      {kMoney, -5, "-0.0005", "-0.0005"},
+      {kMoneyOf(1), LONG_MIN, "-922337203685477580.8", "-922337203685477580.8"},
+      {kMoneyOf(15), LONG_MAX, "9223.372036854775807", "9223.372036854775807"},
+      {kString, 1, "untouched", "untouched"},
+      {kBinary, 1, "untouched", "untouched"},
+      {kUnknown, 1, "untouched", "untouched"},
+      {kNoType, 1, "untouched", "untouched"},
+      {31, 1, "untouched", "untouched"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(textOf(row.type, int64Cell(row.value)), row.text) << row.type;
+    EXPECT_EQ(textOf(row.type, int64Cell(row.value), true), row.zoned) << row.type;
+  }
+  DataValue null;
+  null.setNull();
+  EXPECT_EQ(textOf(kLong, null), "untouched");
+  char out[8] = "x";
+  convertToString(kLong, false, false, static_cast<unsigned char*>(nullptr), out, sizeof out);
+  EXPECT_STREQ(out, "x");
+}
+
+TEST(ConvertToString, Floats) {
+  const struct {
+    double value;
+    std::size_t decimals;
+    const char* text;
+  } rows[] = {
+      {1e-7, 6, "0.000000"},
+      {-1e-7, 6, "0.000000"},
+      {-0.0, 6, "0.000000"},
+      {0.000001, 6, "0.000001"},
+      {-1.5, 6, "-1.500000"},
+      {0.5, 0, "0"},
+      {1.5, 0, "2"},
+      {2.5, 0, "2"},
+      {1e15, 2, "1000000000000000.00"},
+      {NAN, 6, "nan"},
+      {INFINITY, 6, "inf"},
+      {-INFINITY, 6, "-inf"},
+      {1e81, 6, "9.999999999999999212818799e+80"},
+      {1.0 / 3, 20, "0.33333333333333331483"},
+  };
+  for (const auto& row : rows) {
+    setDecimalSize(row.decimals);
+    EXPECT_EQ(textOf(kFloat, doubleCell(row.value)), row.text);
+    char out[64];
+    convertDoubleToString(row.value, out, sizeof out);
+    EXPECT_STREQ(out, row.text);
+  }
+  setDecimalSize(6);
+}
+
+TEST(ConvertToString, Decimals) {
+  const struct {
+    unsigned type;
+    unsigned long long high, low;
+    unsigned char scale;
+    const char* text;
+  } rows[] = {
+      {createFixedDecimal(10, 3), 0, 5, 9, "0.005"},
+      {kFixedDecimal, 0, 5, 3, "0.005"},
+      {kFixedDecimal, 0, 5, 0, "5"},
+      {createFixedDecimal(10, 0), 0, 0, 0, "0"},
+      {createFixedDecimal(10, 2), 0, 0, 0, "0.00"},
+      {createFixedDecimal(10, 2), ~0ULL, 0ULL - 12345, 0, "-123.45"},
+      {createFixedDecimal(10, 2), ~0ULL, 0ULL - 45, 0, "-0.45"},
+      {createFixedDecimal(38, 0), 1ULL << 63, 0, 0, "-170141183460469231731687303715884105728"},
+      {createFixedDecimal(38, 38), (1ULL << 63) - 1, ~0ULL, 0,
+       "1.70141183460469231731687303715884105727"},
+      {createFixedDecimal(20, 10), 5, 0, 0, "9223372036.8547758080"},
+      {createFixedDecimal(34, 1), 0x314dc6448d93, 0x38c15b0a00000000, 0,
+       "100000000000000000000000000000000.0"},
+  };
+  for (const auto& row : rows) {
+    DataValue cell;
+    cell.decimal = {row.high, row.low, row.scale, 0};
+    EXPECT_EQ(textOf(row.type, cell), row.text);
+  }
+}
+
+TEST(ConvertToString, SettingsOfMoneyAndDate) {
+  setLegacyMoneyPrecision(0);
+  EXPECT_EQ(textOf(kMoney, int64Cell(-5)), "-5.0") << "precision 0 still has a digit";
+  setLegacyMoneyPrecision(18);
+  EXPECT_EQ(textOf(kMoney, int64Cell(5)), "0.000000000000000005");
+  setLegacyMoneyPrecision(4);
+  setDateSize(4);
+  EXPECT_EQ(textOf(kDate, int64Cell((7L << 32) + 86400)), "1970-01-02 00:00:00");
+  EXPECT_EQ(textOf(kDate, int64Cell(0xFFFFFFFF)), "1969-12-31 23:59:59");
+  setDateSize(8);
+}
+
+TEST(ConvertToString, CutsAtTheLimit) {
+  const struct {
+    unsigned type;
+    long value;
+    std::size_t size;
+    const char* text;
+  } rows[] = {{kLong, 12345, 3, "12"},
+              {kDate, 0, 11, "1970-01-01"},
+              {kTimestamp, 0, 20, "1970-01-01 00:00:00"},
+              {kBoolean, 1, 1, ""},
+              {kMoney, 12345, 4, "1.2"},
+              {kFloat, 0, 5, "0.00"},
+              {kTime, 0, 6, "00:00"},
+              {createFixedDecimal(5, 2), 12345, 5, "123."},
+              // the sign is not counted
+              {kMoney, -12345, 4, "-1.2"},
+              {kMoney, -12345, 1, "-"}};
+  for (const auto& row : rows) {
+    char out[32];
+    std::memset(out, '#', sizeof out);
+    DataValue cell = int64Cell(row.value);
+    if (payloadOf(row.type) == PayloadKind::kDecimal)
+      cell.decimal = {0, static_cast<unsigned long long>(row.value), 0, 0};
+    convertToString(row.type, false, false, cell, out, row.size);
+    EXPECT_STREQ(out, row.text);
+    EXPECT_EQ(out[std::strlen(row.text) + 1], '#');
+    out[0] = '#';
+    convertToString(row.type, false, false, cell, out, 0);
+    EXPECT_EQ(out[0], '#');
+  }
+}
+
+struct ParseRow {
+  unsigned type;
+  const char *text, *message;  // null: parsed
+  long value;                  // the first 64 bits of the payload, sign-extended
+};
+
+// The value of a packed number, sign-extended; of a decimal its low word.
+long packedNumber(unsigned type, const unsigned char* packed) {
+  DataValue cell;
+  unpackValue(type, const_cast<unsigned char*>(packed), cell);
+  switch (payloadOf(type)) {
+    case PayloadKind::kInt16:
+      return cell.int16;
+    case PayloadKind::kInt32:
+      return cell.int32;
+    case PayloadKind::kByte:
+      return cell.boolean;
+    case PayloadKind::kDecimal:
+      return static_cast<long>(cell.decimal.low);
+    default:
+      return cell.int64;
+  }
+}
+
+void expectParse(const ParseRow& row) {
+  SCOPED_TRACE(std::to_string(row.type) + " '" + row.text + "'");
+  unsigned char packed[64];
+  const char* message = nullptr;
+  const int bytes = convertFromStringAndPack(row.type, false, row.text, packed, sizeof packed,
+                                             message, nullptr, nullptr, nullptr, nullptr);
+  DataValue cell = int64Cell(77);
+  const char* cellMessage = nullptr;
+  const bool isOk =
+      convertFromString(row.type, row.text, cell, cellMessage, nullptr, nullptr, nullptr, nullptr);
+  if (row.message != nullptr) {
+    EXPECT_EQ(bytes, -1);
+    EXPECT_STREQ(message, row.message);
+    EXPECT_FALSE(isOk);
+    EXPECT_STREQ(cellMessage, row.message);
+    EXPECT_EQ(cell.int64, 77);
+    return;
+  }
+  EXPECT_EQ(bytes, static_cast<int>(g_column_lengths[typeNumber(row.type)])) << message;
+  EXPECT_EQ(packedNumber(row.type, packed), row.value);
+  EXPECT_TRUE(isOk);
+  EXPECT_EQ(std::memcmp(cell.bytes, packed, static_cast<std::size_t>(bytes)), 0);
+}
+
+TEST(ConvertFromString, Integers) {
+  constexpr const char* kBegin = "integer constant does not begin with a legal character";
+  constexpr const char* kEnd = "integer constant does not end with a legal character";
+  constexpr const char* kRange16 = "16-bit integer constant out of range";
+  constexpr const char* kRange = "integer constant out of range";
+  constexpr const char* kLongBegin = "long constant does not begin with a legal character";
+  constexpr const char* kLongEnd = "long constant does not end with a legal character";
+  constexpr const char* kLongRange = "long constant out of range";
+  const ParseRow rows[] = {
+      {kInt16, "-32768", nullptr, -32768},
+      {kInt16, "+32767", nullptr, 32767},
+      {kInt16, "32768", kRange16, 0},
+      {kInt16, "99999999999999999999", kRange16, 0},
+      {kInt16, " 1", kBegin, 0},
+      {kInt16, "", kBegin, 0},
+      {kInt16, "1 ", kEnd, 0},
+      {kInt16, "-", kEnd, 0},
+      {kInt16, "+-5", kEnd, 0},
+      {kInteger, "2147483647", nullptr, INT_MAX},
+      {kInteger, "-2147483648", nullptr, INT_MIN},
+      {kInteger, "2147483648", kRange, 0},
+      {kInteger, "x", kBegin, 0},
+      {kInteger, "1.0", kEnd, 0},
+      {kLong, "9223372036854775807", nullptr, LONG_MAX},
+      {kLong, "-9223372036854775808", nullptr, LONG_MIN},
+      {kLong, "9223372036854775808", kLongRange, 0},
+      {kLong, "-9223372036854775809", kLongRange, 0},
+      {kLong, "0000000000000000000000000000000007", nullptr, 7},
+      {kLong, "99999999999999999999x", kLongEnd, 0},
+      {kLong, "", kLongBegin, 0},
+      {kInterval, "-1500000", nullptr, -1500000},
+      {kInterval, "x", "interval constant does not begin with a legal character", 0},
+      {kInterval, "5s", "interval constant does not end with a legal character", 0},
+      {kInterval, "9223372036854775808", kRange, 0},
+      {kUnknown, "1", kUnknownType, 0},
+      {kNoType, "1", kUnknownType, 0},
+      {31, "1", kUnknownType, 0},
+      {255, "", kUnknownType, 0},
+  };
+  for (const auto& row : rows) expectParse(row);
+}
+
+TEST(ConvertFromString, Floats) {
+  const struct {
+    const char *text, *message;
+    double value;
+  } rows[] = {
+      {"-1.5e3", nullptr, -1500.0},
+      {".5", nullptr, 0.5},
+      {"+5.", nullptr, 5.0},
+      {"0x10", nullptr, 16.0},
+      {"4.9e-324", nullptr, 4.9406564584124654e-324},
+      {"1e-400", nullptr, 0.0},
+      {"1.7976931348623157e308", nullptr, 1.7976931348623157e308},
+      {"9007199254740993", nullptr, 9007199254740992.0},
+      {"1e309", "float constant out of range", 0},
+      {"-inf", "float constant out of range", 0},
+      {"inf", "float constant does not begin with a legal character", 0},
+      {" 1", "float constant does not begin with a legal character", 0},
+      {"", "float constant does not begin with a legal character", 0},
+      {".", "float constant does not end with a legal character", 0},
+      {"1,5", "float constant does not end with a legal character", 0},
+      {"1e", "float constant does not end with a legal character", 0},
+  };
+  for (const auto& row : rows) {
+    DataValue cell;
+    const char* message = nullptr;
+    const bool isOk =
+        convertFromString(kFloat, row.text, cell, message, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(isOk, row.message == nullptr) << row.text;
+    EXPECT_STREQ(message, row.message) << row.text;
+    EXPECT_EQ(cell.float64, row.value) << row.text;
+  }
+}
+
+TEST(ConvertFromString, BooleansMoneyAndDecimals) {
+  constexpr const char* kNoBoolean = "not a legal boolean value";
+  constexpr const char* kBegin = "money constant does not begin with a legal character";
+  constexpr const char* kEnd = "money constant does not end with a legal character";
+  constexpr const char* kFraction = "money constant fractional part does not begin with a digit";
+  constexpr const char* kRange = "money constant out of range";
+  constexpr const char* kPrecision = "input exceeds specified precision";
+  const ParseRow rows[] = {
+      {kBoolean, " YES ", nullptr, 1},
+      {kBoolean, "\t\r\ntRuE\n", nullptr, 1},
+      {kBoolean, "t", nullptr, 1},
+      {kBoolean, "On", nullptr, 1},
+      {kBoolean, "1", nullptr, 1},
+      {kBoolean, "y", nullptr, 1},
+      {kBoolean, "F", nullptr, 0},
+      {kBoolean, "false", nullptr, 0},
+      {kBoolean, "NO", nullptr, 0},
+      {kBoolean, "off", nullptr, 0},
+      {kBoolean, "0", nullptr, 0},
+      {kBoolean, "n ", nullptr, 0},
+      {kBoolean, "", kNoBoolean, 0},
+      {kBoolean, "yess", kNoBoolean, 0},
+      {kBoolean, "tr", kNoBoolean, 0},
+      {kBoolean, "t t", kNoBoolean, 0},
+      {kBoolean, "\vt", kNoBoolean, 0},
+      {kMoneyOf(4), "1.23456", nullptr, 12345},
+      {kMoneyOf(4), "1.5", nullptr, 15000},
+      {kMoneyOf(4), " -1.5", nullptr, -5000},
+      {kMoneyOf(4), "-1.5", nullptr, -15000},
+      {kMoneyOf(4), "-.5", nullptr, -5000},
+      {kMoneyOf(4), " \t+.5", nullptr, 5000},
+      {kMoney, "-0.00019", nullptr, -1},
+      {kMoney, "7", nullptr, 70000},
+      {kMoneyOf(15), "9223.372036854775807", nullptr, LONG_MAX},
+      {kMoneyOf(15), "-9223.372036854775808", nullptr, LONG_MIN},
+      {kMoneyOf(15), "9223.372036854775808", kRange, 0},
+      {kMoneyOf(1), "922337203685477581", kRange, 0},
+      {kMoneyOf(1), "9999999999999999999999", kRange, 0},
+      {kMoneyOf(1), "-9999999999999999999999.5", kRange, 0},
+      {kMoney, "", kBegin, 0},
+      {kMoney, "-", kBegin, 0},
+      {kMoney, "x", kBegin, 0},
+      {kMoney, "+-1", kBegin, 0},
+      {kMoney, "1,5", kEnd, 0},
+      {kMoney, "1 ", kEnd, 0},
+      {kMoney, "1.5 ", kEnd, 0},
+      {kMoney, "1.5.5", kEnd, 0},
+      {kMoney, "1.23456x", kEnd, 0},
+      {kMoney, "1.", kFraction, 0},
+      {kMoney, ".", kFraction, 0},
+      {kMoney, "1.x", kFraction, 0},
+      {createFixedDecimal(5, 2), "-1,5", nullptr, -150},
+      {createFixedDecimal(5, 2), "1000", kPrecision, 0},
+      {createFixedDecimal(5, 2), "x", kPrecision, 0},
+      {kFixedDecimal, "0", kPrecision, 0},
+  };
+  for (const auto& row : rows) expectParse(row);
+  setLegacyMoneyPrecision(0);
+  expectParse({kMoney, "7.99", nullptr, 7});
+  setLegacyMoneyPrecision(4);
+}
+
+TEST(ConvertFromString, DatesAndTimes) {
+  const ScopedTimeZone utc("UTC");
+  constexpr const char* kDateNoMatch = "date constant does not match format";
+  constexpr const char* kTimestampNoMatch = "timestamp constant does not match format";
+  const ParseRow rows[] = {
+      {kDate, "2010-01-02T03:04:05", nullptr, 1262401445},
+      {kDate, "2010-01-02T03:04:05 and more", nullptr, 1262401445},
+      {kDate, "1960-01-01T00:00:00", nullptr, -315619200},
+      {kDate, "9999-12-31T23:59:61", nullptr, 253402300801},
+      {kDate, "2010-01-02 03:04:05", kDateNoMatch, 0},
+      {kDate, "", kDateNoMatch, 0},
+      {kTimestamp, "2010-01-02T03:04:05.67", nullptr, 1262401445670},
+      {kTimestamp, "2010-01-02T03:04:05", nullptr, 1262401445000},
+      {kTimestamp, "2010-01-02T03:04:05.1239", nullptr, 1262401445123},
+      {kTimestamp, "2010-01-02T03:04:05. 1 2", nullptr, 1262401445120},
+      {kTimestamp, "2010-01-02T03:04:05.x", nullptr, 1262401445000},
+      {kTimestamp, "2010-01-02T03:04:05.-50", nullptr, 1262401444950},
+      {kTimestamp, "2010-1-2T3:4:5", nullptr, 1262401445000},
+      {kTimestamp, "2010-01-02T03:04:05x.5", nullptr, 1262401445500},
+      {kTimestamp, "2010-01-32T03:04:05", kTimestampNoMatch, 0},
+      {kTimestamp, "1960-01-01T00:00:00.5", nullptr, -315619199500},
+      {kBigDateTime, "2010-01-02T03:04:05.000006", nullptr, 1262401445000006},
+      {kBigDateTime, "2010-01-02T03:04:05.1234567", nullptr, 1262401445123456},
+      {kBigDateTime, "now", "bigdatetime constant does not match format", 0},
+      {kTime, "12:34:56", nullptr, 45296},
+      {kTime, "12:34", "time constant does not match format", 0},
+      {kTime, "24:00:00", "time constant does not match format", 0},
+  };
+  for (const auto& row : rows) expectParse(row);
+}
+
+TEST(ConvertFromString, FormatsFallBackFromOneToTheNext) {
+  const struct {
+    unsigned type;
+    const char *text, *date, *timestamp, *bigdatetime, *time, *message;
+    long value;
+  } rows[] = {
+      {kDate, "2010", "%Y", "%m", "%m", "%m", nullptr, 1262304000},
+      {kTimestamp, "2010", "%Y", nullptr, "%m", "%m", nullptr, 1262304000000},
+      {kTimestamp, "2010", "%m", "%Y", "%m", "%m", nullptr, 1262304000000},
+      {kBigDateTime, "2010", "%Y", nullptr, nullptr, "%m", nullptr, 1262304000000000},
+      {kBigDateTime, "2010", "%m", "%Y", nullptr, "%m", nullptr, 1262304000000000},
+      {kBigDateTime, "2010", "%m", "%m", "%Y", "%m", nullptr, 1262304000000000},
+      {kTime, "10", "%Y", "%Y", "%Y", "%H", nullptr, 36000},
+      {kDate, " 77x", "%s", nullptr, nullptr, nullptr, nullptr, 77},
+      {kDate, "x", "%s", nullptr, nullptr, nullptr, "date constant does not match standard format",
+       0},
+      {kTimestamp, "9223372036854775.807", "%s", nullptr, nullptr, nullptr, nullptr, LONG_MAX},
+      {kTimestamp, "9223372036854775.808", "%s", nullptr, nullptr, nullptr, "timestamp overflow",
+       0},
+      {kTimestamp, "-9223372036854776", "%s", nullptr, nullptr, nullptr, "timestamp overflow", 0},
+      {kTimestamp, "x", "%s", nullptr, nullptr, nullptr, "timestamp constant does not match format",
+       0},
+      {kBigDateTime, "9223372036854.775807", "%s", nullptr, nullptr, nullptr, nullptr, LONG_MAX},
+      {kBigDateTime, "9223372036854.775808", "%s", nullptr, nullptr, nullptr,
+       "bigdatetime overflow", 0},
+      {kBigDateTime, "9223372036855", "%s", nullptr, nullptr, nullptr, "bigdatetime overflow", 0},
+  };
+  for (const auto& row : rows) {
+    DataValue cell;
+    const char* message = nullptr;
+    EXPECT_EQ(convertFromString(row.type, row.text, cell, message, row.date, row.timestamp,
+                                row.bigdatetime, row.time),
+              row.message == nullptr)
+        << row.text;
+    EXPECT_STREQ(message, row.message) << row.text;
+    EXPECT_EQ(cell.int64, row.value) << row.text;
+  }
+}
+
+int pack(unsigned type, bool swap, const char* text, unsigned char* out, std::size_t size,
+         const char*& message) {
+  return convertFromStringAndPack(type, swap, text, out, size, message, nullptr, nullptr, nullptr,
+                                  nullptr);
+}
+
+TEST(Pack, SizesAndByteOrder) {
+  const struct {
+    unsigned type;
+    const char* text;
+    std::vector<unsigned char> bytes, swapped;
+  } rows[] = {
+      {kInt16, "258", {2, 1}, {1, 2}},
+      {kInteger, "16909060", {4, 3, 2, 1}, {1, 2, 3, 4}},
+      {kLong, "258", {2, 1, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 1, 2}},
+      {kFloat, "1", {0, 0, 0, 0, 0, 0, 0xF0, 0x3F}, {0x3F, 0xF0, 0, 0, 0, 0, 0, 0}},
+      {kBoolean, "true", {1}, {1}},
+      {kMoneyOf(2), "2.58", {2, 1, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 1, 2}},
+      {kString, "ab", {'a', 'b', 0}, {'a', 'b', 0}},
+      {kString, "", {0}, {0}},
+      {kBinary, "0A 0b", {0, 0, 0, 2, 10, 11}, {0, 0, 0, 2, 10, 11}},
+      {kBinary, "", {0, 0, 0, 0}, {0, 0, 0, 0}},
+      // decimals are never swapped
+      {createFixedDecimal(5, 2), "2.58", {2, 1, 0, 0, 0, 0, 0, 0}, {2, 1, 0, 0, 0, 0, 0, 0}},
+  };
+  for (const auto& row : rows) {
+    const bool isDecimal = payloadOf(row.type) == PayloadKind::kDecimal;
+    const std::size_t size = isDecimal ? 24 : row.bytes.size();
+    const std::size_t offset = isDecimal ? 8 : 0;  // the low word
+    for (const bool swap : {false, true}) {
+      unsigned char out[32];
+      const char* message = nullptr;
+      EXPECT_EQ(pack(row.type, swap, row.text, out, size, message), static_cast<int>(size));
+      const auto& expected = swap ? row.swapped : row.bytes;
+      EXPECT_EQ(std::memcmp(out + offset, expected.data(), expected.size()), 0) << row.text;
+      char text[64] = "";
+      convertToString(row.type, swap, false, out, text, sizeof text);
+      if (payloadOf(row.type) != PayloadKind::kText && payloadOf(row.type) != PayloadKind::kBytes) {
+        EXPECT_NE(text[0], '\0');
+      }
+    }
+    unsigned char out[32];
+    const char* message = nullptr;
+    EXPECT_EQ(pack(row.type, false, row.text, out, size - 1, message), -1);
+    const bool isShortBinary = row.type == kBinary && size > 4;
+    EXPECT_STREQ(message, isShortBinary ? "DataType::convertFromStringAndPack() could not convert "
+                                          "binary data from hex."
+                                        : "output buffer overflow");
+  }
+}
+
+TEST(Pack, SwappedNumbersPrintTheSame) {
+  for (const unsigned type : {0U, 1U, 2U, 3U, 4U, 7U, 8U, 12U, 26U, 27U, 29U}) {
+    const char* const text = type == kDate || type == kTimestamp || type == kBigDateTime
+                                 ? "2010-01-02T03:04:05"
+                             : type == kTime ? "03:04:05"
+                                             : "1234";
+    unsigned char plain[8];
+    unsigned char swapped[8];
+    const char* message = nullptr;
+    ASSERT_GT(pack(type, false, text, plain, 8, message), 0);
+    ASSERT_GT(pack(type, true, text, swapped, 8, message), 0);
+    char plainText[64];
+    char swappedText[64];
+    convertToString(type, false, true, plain, plainText, sizeof plainText);
+    convertToString(type, true, true, swapped, swappedText, sizeof swappedText);
+    EXPECT_STREQ(plainText, swappedText) << type;
+    EXPECT_NE(std::memcmp(plain, swapped, 2), 0) << type;
+  }
+}
+
+TEST(Pack, Append) {
+  unsigned char out[8];
+  const char* message = nullptr;
+  const auto append = [&](const char* text, unsigned type, std::size_t size) {
+    return packAndAppendValue(out, size, text, type, nullptr, nullptr, nullptr, nullptr, message);
+  };
+  EXPECT_EQ(append("abc", kString, 4), 4);
+  EXPECT_EQ(append("abc", kString, 3), 0);
+  EXPECT_STREQ(message, "output buffer overflow");
+  EXPECT_EQ(append("-7", kInteger, 8), 4);
+  EXPECT_EQ(append("x", kInteger, 8), 0);
+  EXPECT_EQ(append("1", kNoType, 8), 0);
+  EXPECT_STREQ(message, kUnknownType);
+}
+
+TEST(Unpack, Cells) {
+  DataValue cell = int64Cell(77);
+  unpackValue(kLong, nullptr, cell);
+  EXPECT_TRUE(cell.isNull());
+  EXPECT_EQ(cell.int64, 77) << "nothing else is touched";
+
+  unsigned char text[] = "abc";
+  unpackValue(kString, text, cell);
+  EXPECT_FALSE(cell.isNull());
+  EXPECT_EQ(cell.string, reinterpret_cast<char*>(text));
+
+  unsigned char binary[] = {0, 0, 1, 2, 9};
+  unpackValue(28U, binary, cell);
+  EXPECT_EQ(cell.binary.length, 258U);
+  EXPECT_EQ(cell.binary.data, binary + 4);
+  EXPECT_EQ(getLengthFromPackedBinary(binary), 258U);
+  EXPECT_EQ(getLengthFromPackedBinary(nullptr), 0U);
+
+  unsigned char decimal[24] = {1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 7, 8};
+  unpackValue(kFixedDecimal, decimal, cell);
+  EXPECT_EQ(cell.decimal.high, 1ULL);
+  EXPECT_EQ(cell.decimal.low, 2ULL);
+  EXPECT_EQ(cell.decimal.scale, 7);
+  EXPECT_EQ(cell.decimal.precision, 8);
+  unpackValue(createFixedDecimal(20, 4), decimal, cell);
+  EXPECT_EQ(cell.decimal.scale, 4);
+  EXPECT_EQ(cell.decimal.precision, 20);
+
+  unsigned char number[] = {0xFE, 0xFF, 0x55};
+  unpackValue(kInt16, number, cell);
+  EXPECT_EQ(cell.int16, -2);
+}
+
+TEST(Unpack, NewStrings) {
+  const ScopedTimeZone utc("UTC");
+  const struct {
+    unsigned type;
+    const char *text, *result;
+  } rows[] = {{kLong, "-5", "-5"},
+              {kString, "abc", "abc"},
+              {kBinary, "0a0B", "0A0B"},
+              {kBinary, "", ""},
+              {kMoney, "-922337203685477.5808", "-922337203685477.5808"},
+              {kDate, "2010-01-02T03:04:05", "2010-01-02 03:04:05"},
+              {createFixedDecimal(9, 2), "1.5", "1.50"}};
+  for (const auto& row : rows) {
+    unsigned char packed[32];
+    const char* message = nullptr;
+    ASSERT_GE(pack(row.type, false, row.text, packed, sizeof packed, message), 0) << row.text;
+    char* text = unpackToNewString(row.type, packed);
+    EXPECT_STREQ(text, row.result);
+    std::free(text);
+  }
+  unsigned char byte = 0;
+  EXPECT_EQ(unpackToNewString(kLong, nullptr), nullptr);
+  EXPECT_EQ(unpackToNewString(kUnknown, &byte), nullptr);
+}
+
+TEST(ConvertFromString, StringsAndBinariesAreOwned) {
+  DataValue cell;
+  cell.string = ::strdup("former");
+  const char* message = nullptr;
+  const auto convert = [&](unsigned type, const char* text) {
+    return convertFromString(type, text, cell, message, nullptr, nullptr, nullptr, nullptr);
+  };
+  ASSERT_TRUE(convert(kString, "abc"));
+  EXPECT_STREQ(cell.string, "abc");
+  ASSERT_TRUE(convert(kString, cell.string)) << "the cell's own text";
+  EXPECT_STREQ(cell.string, "abc");
+  std::free(const_cast<char*>(cell.string));
+
+  cell.setNull();
+  ASSERT_TRUE(convert(kBinary, "0a0B"));
+  EXPECT_FALSE(cell.isNull());
+  ASSERT_EQ(cell.binary.length, 2U);
+  EXPECT_EQ(cell.binary.data[0], 10);
+  EXPECT_EQ(cell.binary.data[1], 11);
+  for (const char* text : {"0a 0b 0c", "0g", "0a0"}) {
+    EXPECT_FALSE(convert(kBinary, text));
+    EXPECT_STREQ(message, "DataType::convertFromString() could not convert binary data from hex.");
+    EXPECT_EQ(cell.binary.data[1], 11) << "unchanged";
+  }
+  ASSERT_TRUE(convert(kBinary, "0 c")) << "a single blank does not change half the length";
+  EXPECT_EQ(cell.binary.data[0], 12);
+  ASSERT_TRUE(convert(kBinary, ""));
+  EXPECT_EQ(cell.binary.length, 0U);
+  std::free(const_cast<unsigned char*>(cell.binary.data));
+}
+
+}  // namespace
+}  // namespace DataTypes
