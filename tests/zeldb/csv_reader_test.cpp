@@ -1,0 +1,95 @@
+#include "zeldb/csv_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/zeldb/scratch_folder.h"
+#include "zeldb/failure.h"
+
+namespace zeldb {
+namespace {
+
+// Records as "line[a|b]", an empty field as "~", or the failure's text behind the file's name.
+std::string readAll(const std::string& text) {
+  const ScratchFolder folder;
+  const auto path = folder.write("f.csv", text);
+  std::string out;
+  try {
+    CsvReader reader(path);
+    while (const CsvRecord* const record = reader.next()) {
+      out += std::to_string(record->line) + "[";
+      for (std::size_t at = 0; at < record->fields.size(); ++at) {
+        const CsvField& field = record->fields[at];
+        out += (at > 0 ? "|" : "") + (field.empty ? std::string("~") : field.text);
+      }
+      out += "]";
+    }
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.exitCode(), ExitCode::kFile);
+    return std::string(failure.what()).substr(path.string().size());
+  }
+  return out;
+}
+
+TEST(CsvReader, ReadsRecordsWithTheirLines) {
+  struct Case {
+    std::string text;
+    const char* expected;
+  };
+  const std::vector<Case> cases = {
+      {"", ""},
+      {"\n\r\n", ""},
+      {"a,b\n1,2\n", "1[a|b]2[1|2]"},
+      {"a,b\r\n1,2", "1[a|b]2[1|2]"},
+      {"a\r\rb\rc", "1[a]3[b]4[c]"},
+      {"\xEF\xBB\xBF"
+       "a,b\n",
+       "1[a|b]"},
+      {"a\n\n\nb\n", "1[a]4[b]"},
+      {",\"\",x\n", "1[~||x]"},
+      {"a,\n", "1[a|~]"},
+      {" a , b\t\n", "1[ a | b\t]"},
+      {"\"a,b\",\"say \"\"so\"\"\"\n", "1[a,b|say \"so\"]"},
+      {"\"one\ntwo\",x\ny,z\n", "1[one\ntwo|x]3[y|z]"},
+      {"\"one\r\ntwo\"\nz\n", "1[one\r\ntwo]3[z]"},
+      {std::string("a\0b\n", 4), nullptr},
+  };
+  for (const Case& row : cases) {
+    EXPECT_EQ(readAll(row.text),
+              row.expected != nullptr ? row.expected : std::string("1[a\0b]", 6));
+  }
+}
+
+TEST(CsvReader, NamesLineAndFieldOfMalformedText) {
+  struct Case {
+    const char* text;
+    const char* place;
+  };
+  for (const Case& row : {Case{"a,b\nc,d\"e\n", ":2:2: "},
+                          {"a\n\n\"b\"c\n", ":3:1: "},
+                          {"a,b\nx,\"y\n\nz", ":2:2: "},
+                          {"a\n\"b\" ,c\n", ":2:1: "}}) {
+    EXPECT_TRUE(readAll(row.text).starts_with(row.place)) << readAll(row.text);
+  }
+}
+
+TEST(CsvReader, ReadsFieldsAndFilesLongerThanItsBuffer) {
+  const std::string field(200000, 'x');
+  std::string text;
+  std::string expected;
+  for (int line = 1; line <= 3; ++line) {
+    text += field + ",\"" + field + "\"\n";
+    expected += std::to_string(line) + "[" + field + "|" + field + "]";
+  }
+  EXPECT_TRUE(readAll(text) == expected);
+}
+
+TEST(CsvReader, RefusesWhatIsNoFile) {
+  EXPECT_THROW(CsvReader("/nonexistent/f.csv"), Failure);
+  EXPECT_THROW(CsvReader("/tmp"), Failure);
+}
+
+}  // namespace
+}  // namespace zeldb

@@ -1,0 +1,93 @@
+#include "zeldb/services_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "tests/zeldb/scratch_folder.h"
+#include "zeldb/failure.h"
+
+namespace zeldb {
+namespace {
+
+TEST(ServicesFile, GivesTheDriversProperties) {
+  const ScratchFolder folder;
+  folder.write("secret", "p w\r\nrest\n");
+  setenv("ZELDB_TEST_PASSWORD", "from env", 1);
+  const ServicesFile file(folder.write("zeldb.toml", R"(
+[orders]
+DSN = "db1"
+User = "app"
+Password = "p=;"
+DatabaseType = "POSTGRESQL"
+WriteBigIntAsChar = true
+[by_env]
+DSN = "db1"
+User = "app"
+password_env = "ZELDB_TEST_PASSWORD"
+[by_file]
+DSN = "db1"
+User = "app"
+password_file = "secret"
+WriteBigIntAsChar = false
+)"));
+  using Properties = KORVEX::Zel::PropertyDataService::Properties;
+  EXPECT_EQ(file.find("orders").properties, (Properties{{"DSN", "db1"},
+                                                        {"User", "app"},
+                                                        {"Password", "p=;"},
+                                                        {"DatabaseType", "POSTGRESQL"},
+                                                        {"WriteBigIntAsChar", "true"}}));
+  EXPECT_EQ(file.find("orders").name, "orders");
+  EXPECT_EQ(file.find("by_env").properties.at("Password"), "from env");
+  EXPECT_EQ(file.find("by_file").properties.at("Password"), "p w");
+  EXPECT_EQ(file.find("by_file").properties.at("WriteBigIntAsChar"), "false");
+}
+
+TEST(ServicesFile, NamesThePlaceOfAFault) {
+  struct Case {
+    const char* text;
+    const char* expected;  // behind the file's name
+  };
+  const Case cases[] = {
+      {"", ": no service \"s\"; there is none"},
+      {"[a]\n[b]\n", ": no service \"s\"; there is a, b"},
+      {"s = 1\n", ":1:5: \"s\" is no table of a service"},
+      {"[s]\nUser = \"u\"\n", ":1:1: service \"s\" has no DSN"},
+      {"[s]\nDSN = \"d\"\nUser = \"\"\n", ":1:1: service \"s\" has no User"},
+      {"[s]\nDSN = \"d\"\nUsr = \"u\"\n", ":3:1: unknown key \"Usr\""},
+      {"[s]\nDSN = 1\n", ":2:7: DSN must be a text"},
+      {"[s]\nWriteBigIntAsChar = \"yes\"\n", ":2:21: WriteBigIntAsChar must be true or false"},
+      {"[s]\nPassword = \"x\"\npassword_env = \"HOME\"\n", ":3:1: more than one password"},
+      {"[s]\npassword_env = \"ZELDB_NOT_SET\"\n",
+       ":2:16: environment variable ZELDB_NOT_SET is not set"},
+      {"[s]\npassword_file = \"/nonexistent/p\"\n",
+       ":2:17: password file /nonexistent/p cannot be read or is empty"},
+  };
+  const ScratchFolder folder;
+  for (const Case& row : cases) {
+    const auto path = folder.write("zeldb.toml", row.text);
+    try {
+      ServicesFile(path).find("s");
+      ADD_FAILURE() << row.text;
+    } catch (const Failure& failure) {
+      EXPECT_EQ(failure.exitCode(), ExitCode::kUsage);
+      EXPECT_EQ(failure.what(), path.string() + row.expected);
+    }
+  }
+}
+
+TEST(ServicesFile, NamesThePlaceOfBrokenToml) {
+  const ScratchFolder folder;
+  const auto path = folder.write("zeldb.toml", "[s]\nDSN = \"d\"\nUser = \n");
+  try {
+    ServicesFile(path).find("s");
+    ADD_FAILURE();
+  } catch (const Failure& failure) {
+    EXPECT_TRUE(std::string(failure.what()).starts_with(path.string() + ":3:")) << failure.what();
+  }
+  EXPECT_THROW(ServicesFile("/nonexistent/zeldb.toml").find("s"), Failure);
+}
+
+}  // namespace
+}  // namespace zeldb

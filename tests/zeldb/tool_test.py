@@ -1,0 +1,248 @@
+"""The tool as its users meet it: arguments in, rows, one line of complaint and an exit code out.
+
+Works on a SQLite database of its own. The environment names the program (ZELDB) and the library
+that makes ODBC calls fail (ODBC_FAULT_LIBRARY).
+"""
+
+import glob
+import os
+import pathlib
+import pty
+import re
+import signal
+import sqlite3
+import subprocess
+import tempfile
+import time
+import unittest
+
+ZELDB = os.environ["ZELDB"]
+FAULTS = os.environ["ODBC_FAULT_LIBRARY"]
+SQLITE_DRIVER = glob.glob("/usr/lib/*/odbc/libsqlite3odbc.so")[0]
+TABLE = ("create table t (id integer primary key, big bigint, price double, name varchar(20), "
+         "at timestamp, raw blob)")
+HEAD = "id,big,price,name,at,raw\n"
+
+
+class ToolCase(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.write("odbcinst.ini", "")
+        self.write("odbc.ini", f"[db]\nDriver={SQLITE_DRIVER}\nDatabase={self.folder}/t.db\n")
+        self.write("zeldb.toml", '[s]\nDSN = "db"\nUser = "u"\n[gone]\nDSN = "nowhere"\nUser = "u"\n')
+        self.sql(TABLE)
+
+    def write(self, name, text):
+        path = self.folder / name
+        path.write_bytes(text if isinstance(text, bytes) else text.encode())
+        return path
+
+    def sql(self, statement):
+        with sqlite3.connect(self.folder / "t.db") as database:
+            return database.execute(statement).fetchall()
+
+    def environment(self, fault=None):
+        # The installer library's cache would count as a leak when its user, the ODBC driver, is
+        # unloaded; preloaded, it stays.
+        environment = dict(os.environ, ODBCSYSINI=str(self.folder),
+                           ODBCINI=str(self.folder / "odbc.ini"),
+                           LD_PRELOAD="libodbcinst.so.2", ASAN_OPTIONS="verify_asan_link_order=0")
+        if fault:
+            environment.update(LD_PRELOAD=f"libodbcinst.so.2 {FAULTS}", ODBC_FAULT=fault)
+        return environment
+
+    def run_tool(self, *arguments, fault=None):
+        return subprocess.run([ZELDB, *arguments], cwd=self.folder, text=True, timeout=60,
+                              stdin=subprocess.DEVNULL, capture_output=True,
+                              env=self.environment(fault), check=False)
+
+    def expect(self, done, code, pattern):
+        """One line on standard error that the pattern matches, and the exit code."""
+        self.assertRegex(done.stderr, rf"\Azeldb: {pattern}\n\Z")
+        self.assertEqual(done.returncode, code, done.stderr)
+
+    def load(self, text, *arguments, fault=None):
+        self.write("f.csv", text)
+        # SQLite's driver does not tell the result's binary columns.
+        return self.run_tool("load", "s", "t", "f.csv", "--types", "raw:binary", *arguments,
+                             fault=fault)
+
+
+class CommandLine(ToolCase):
+    def test_wrong_use_is_told_in_one_line(self):
+        cases = [
+            ([], r".*subcommand.*"),
+            (["fly"], r".*"),
+            (["check"], r".*SERVICE.*"),
+            (["check", "s", "--nonsense"], r".*nonsense.*"),
+            (["load", "s", "t", "f.csv", "--batch", "0"], r".*batch.*"),
+            (["load", "s", "t", "f.csv", "--batch", "many"], r".*batch.*"),
+            (["load", "s", "t", "f.csv", "--types", "id=integer"],
+             r'types: "id=integer" is not NAME:TYPE'),
+            (["load", "s", "t", "f.csv", "--types", "id:number"], r'"number" is no type'),
+            (["query", "s", "select ?", "--param", "integer:1", "--param", "integer:x"],
+             r'parameter 2: integer constant does not begin with a legal character: "x"'),
+            (["check", "other"], r'zeldb.toml: no service "other"; there is gone, s'),
+            (["check", "s", "--services", "no.toml"], r"no.toml: services file cannot be read"),
+            (["check", "s", "--driver", "no.so"], r"driver plug-in: .*no.so.*"),
+            (["check", "s", "--driver", SQLITE_DRIVER],
+             r"driver plug-in: .*libsqlite3odbc.so has no FactoryDriver"),
+        ]
+        for arguments, pattern in cases:
+            with self.subTest(arguments):
+                self.expect(self.run_tool(*arguments), 2, pattern)
+
+    def test_help_names_verbs_and_exit_codes(self):
+        done = self.run_tool("--help")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        for text in ("check", "query", "load", "--services", "7    in doubt"):
+            self.assertIn(text, done.stdout)
+
+    def test_check_connects(self):
+        done = self.run_tool("check", "s")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertRegex(done.stdout, r"(?m)^database type +OTHERS$")
+        self.expect(self.run_tool("check", "gone"), 3, r'service "gone": .*\(SQLSTATE IM002, .*\)')
+
+
+class Query(ToolCase):
+    def test_rows_and_parameters(self):
+        done = self.run_tool("query", "s",
+                             "insert into t (id, big, price, name, at, raw) values (?,?,?,?,?,?)",
+                             "--param", "integer:7", "--param", "long:9223372036854775807",
+                             "--param", "float:0.1", "--param", "string:a:b é",
+                             "--param", "bigdatetime:2024-02-29 01:02:03", "--param", "binary")
+        self.assertEqual((done.returncode, done.stdout), (0, "1 row changed\n"), done.stderr)
+        done = self.run_tool("query", "s", "select id, big, price, name, at, raw from t")
+        self.assertEqual(done.stderr, "")
+        self.assertEqual(done.stdout.splitlines(), [
+            "id  big                  price  name   at                          raw",
+            "--  -------------------  -----  -----  --------------------------  ---",
+            " 7  9223372036854775807    0.1  a:b é  2024-02-29 01:02:03.000000",
+            "(1 row)"])
+
+    def test_statements_without_rows(self):
+        for sql, output in [("delete from t", "0 rows changed\n"),
+                            ("create table u (a integer)", None),
+                            ("drop table u", None)]:
+            done = self.run_tool("query", "s", sql)
+            self.assertEqual((done.returncode, done.stderr), (0, ""), sql)
+            if output:
+                self.assertEqual(done.stdout, output)
+
+    def test_refusals(self):
+        for sql in ("select * from nowhere", "selec 1", "insert into t (id) values ('x', 'y')"):
+            self.expect(self.run_tool("query", "s", sql), 4, r".+ \(SQLSTATE \w{5}, native -?\d+\)")
+
+    def test_a_long_result_is_whole(self):
+        sql = "with recursive c(x) as (select 1 union all select x + 1 from c where x < 5000) " \
+              "select x from c"
+        lines = self.run_tool("query", "s", sql).stdout.splitlines()
+        self.assertEqual([line.strip() for line in lines[2:-1]], [str(x + 1) for x in range(5000)])
+
+
+class Load(ToolCase):
+    def test_every_value_arrives(self):
+        done = self.load('name,id,"big",PRICE,at,raw\n'
+                         '"line\none, ""quoted""",1,-9223372036854775808,0.1,1969-12-31T23:59:59,00FF\n'
+                         '"",2,,,,\n'
+                         ',3,0,1e300,2024-02-29,"41"\n')
+        self.assertEqual((done.returncode, done.stdout, done.stderr),
+                         (0, "3 rows loaded into t\n", ""))
+        self.assertEqual(
+            self.sql("select id, big, price, name, substr(at, 1, 19), raw from t"),
+            [(1, -2**63, 0.1, 'line\none, "quoted"', "1969-12-31 23:59:59", b"\x00\xff"),
+             (2, None, None, "", None, None),
+             (3, 0, 1e300, None, "2024-02-29 00:00:00", b"A")])
+
+    def test_bad_input_commits_whole_batches_only(self):
+        good = "".join(f"{n},,,,,\n" for n in range(1, 6))
+        cases = [  # text, exit code, complaint, rows committed
+            ("", 6, r"f.csv:1:1: the file has no header", 0),
+            ("raw,other\n1,2\n", 2, r'f.csv:1:2: table t has no column "other"', 0),
+            ("raw,,big\n", 2, r'f.csv:1:2: table t has no column ""', 0),
+            ("id,raw,Id\n", 2, r'f.csv:1:3: table t has no column "Id" left, it comes twice', 0),
+            (HEAD + good + "6,,,,\n", 1, r"f.csv:7:6: the row has 5 fields, the header 6; 4 .*", 4),
+            (HEAD + good + "6,,,,,,,\n", 1, r"f.csv:7:7: the row has 8 fields, the header 6; .*", 4),
+            (HEAD + good + "\n\nx,,,,,\n", 1, r'f.csv:9:1: column "id": integer constant .*: "x"; '
+             r"4 rows are committed", 4),
+            (HEAD + good + "6,,,,,0\n", 1, r'f.csv:7:6: column "raw": Odd number of .*: "0"; .*', 4),
+            (HEAD + good + '6,,,,,"1"2\n', 6, r"f.csv:7:6: a quote in a field .*", 0),
+            (HEAD + good + '6,,,"\n', 6, r"f.csv:7:4: the file ends within quotes; .*", 4),
+            (HEAD + good + "5,,,,,\n", 4, r"f.csv:6:1: rows of lines 6 to 7: .*UNIQUE.*; 4 .*", 4),
+        ]
+        for text, code, pattern, rows in cases:
+            with self.subTest(text[-30:]):
+                self.sql("delete from t")
+                self.expect(self.load(text, "--batch", "2"), code, pattern)
+                self.assertEqual(self.sql("select count(*) from t"), [(rows,)])
+
+    def test_one_transaction_is_all_or_nothing(self):
+        rows = "".join(f"{n},,,,,\n" for n in range(1, 10))
+        done = self.load(HEAD + rows + "1,,,,,\n", "--batch", "2", "--one-transaction")
+        self.expect(done, 4, r"f.csv:2:1: rows of lines 2 to 11: .*; 0 rows are committed")
+        self.assertEqual(self.sql("select count(*) from t"), [(0,)])
+        done = self.load(HEAD + rows, "--batch", "2", "--one-transaction")
+        self.assertEqual(done.stdout, "9 rows loaded into t\n")
+
+    def test_missing_things(self):
+        done = self.run_tool("load", "s", "t", "none.csv")
+        self.expect(done, 6, r"none.csv: No such file or directory")
+        self.write("f.csv", HEAD)
+        self.expect(self.run_tool("load", "s", "nowhere", "f.csv"), 4, r".*nowhere.*")
+        self.expect(self.run_tool("load", "gone", "t", "f.csv"), 3, r".*IM002.*")
+
+    def test_types_override_the_table(self):
+        self.sql("create table words (a varchar(10), b varchar(10))")
+        self.write("f.csv", "a,b\n1,2\n1.005,2\n")
+        done = self.run_tool("load", "s", "words", "f.csv", "--types", "a:decimal(4,2)")
+        self.expect(done, 1, r'f.csv:3:1: column "a": 3 digits behind .*: "1.005"; 0 rows .*')
+        done = self.run_tool("load", "s", "words", "f.csv", "--types", "c:integer")
+        self.expect(done, 2, r'f.csv:1:1: the header has no column "c"')
+
+    def test_failures_of_the_database(self):
+        text = HEAD + "".join(f"{n},,,,,\n" for n in range(1, 6))
+        cases = [  # fault, exit code, complaint, rows in the table
+            ("SQLEndTran 2 08S01", 7, r"f.csv:4:1: rows of lines 4 to 5: in doubt, .*08S01.*; 2 .*", 4),
+            ("SQLEndTran -2 40001", 4, r"f.csv:4:1: rows of lines 4 to 5: commit: .*40001.*; 2 .*", 2),
+            ("SQLExecute -3 08S01", 3, r"f.csv:4:1: rows of lines 4 to 5: .*08S01.*; 2 rows .*", 2),
+            ("SQLExecute -3 HYT00", 5, r".*HYT00.*; 2 rows are committed", 2),
+        ]
+        for fault, code, pattern, rows in cases:
+            with self.subTest(fault):
+                self.sql("delete from t")
+                self.expect(self.load(text, "--batch", "2", fault=fault), code, pattern)
+                self.assertEqual(self.sql("select count(*) from t"), [(rows,)])
+
+    def test_interrupting_keeps_whole_batches(self):
+        os.mkfifo(self.folder / "pipe")
+        with subprocess.Popen([ZELDB, "load", "s", "t", "pipe", "--batch", "10"], cwd=self.folder,
+                              env=self.environment(), text=True, stderr=subprocess.PIPE) as tool:
+            with open(self.folder / "pipe", "w", encoding="utf-8") as pipe:
+                pipe.write(HEAD + "".join(f"{n},,,,,\n" for n in range(1, 30001)))
+                pipe.flush()
+                while not self.sql("select count(*) from t")[0][0]:
+                    time.sleep(0.01)
+                tool.send_signal(signal.SIGINT)
+                pipe.write("".join(f"{n},,,,,\n" for n in range(30001, 30100)))
+            complaint = tool.stderr.read()
+        committed = re.fullmatch(r"zeldb: interrupted; (\d+) rows are committed\n", complaint)
+        self.assertEqual(tool.returncode, 130, complaint)
+        self.assertEqual(int(committed[1]) % 10, 0)
+        self.assertEqual(self.sql("select count(*) from t")[0][0], int(committed[1]))
+
+    def test_progress_is_shown_on_a_terminal_only(self):
+        text = HEAD + "".join(f"{n},,,,,\n" for n in range(20000))
+        self.assertEqual(self.load(text).stderr, "")
+        self.sql("delete from t")
+        master, terminal = pty.openpty()
+        subprocess.run([ZELDB, "load", "s", "t", "f.csv"], cwd=self.folder, stderr=terminal,
+                       stdout=subprocess.DEVNULL, env=self.environment(), check=True)
+        os.close(terminal)
+        self.assertRegex(os.read(master, 4096).decode(), r"\r +\d+ %  \d+ rows, \d+ rows/s, \d+ s left")
+
+
+if __name__ == "__main__":
+    unittest.main()

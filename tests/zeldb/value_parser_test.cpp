@@ -1,0 +1,134 @@
+#include "zeldb/value_parser.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "datatypes/data_types.h"
+#include "zeldb/column_type.h"
+#include "zeldb/failure.h"
+#include "zeldb/value_text.h"
+
+namespace zeldb {
+namespace {
+
+// What the text reads as, written out again, or "!" and the reason.
+std::string readAndWrite(const char* typeName, const std::string& text) {
+  ValueParser parser(typeFromName(typeName));
+  DataTypes::DataValue value;
+  return parser.parse(text, value) ? valueText(parser.valueType(), value) : "!" + parser.reason();
+}
+
+struct Case {
+  const char* type;
+  const char* text;
+  const char* expected;
+};
+
+TEST(ValueParser, ReadsWhatFitsExactly) {
+  const Case cases[] = {
+      {"int16", "-32768", "-32768"},
+      {"integer", "+7", "7"},
+      {"long", "-9223372036854775808", "-9223372036854775808"},
+      {"float", "0.1", "0.1"},
+      {"float", "-1e300", "-1e+300"},
+      {"float", "1e-7", "1e-07"},
+      {"boolean", "YES", "true"},
+      {"boolean", "0", "false"},
+      {"string", "", ""},
+      {"string", " a\xE2\x82\xAC ", " a\xE2\x82\xAC "},
+      {"binary", "00ff0A", "00FF0A"},
+      {"binary", "", ""},
+      {"money", "-922337203685477.5808", "-922337203685477.5808"},
+      {"money", "1.50000", "1.5000"},
+      {"money(2)", "-.05", "-0.05"},
+      {"decimal(5,2)", "000123.400", "123.40"},
+      {"decimal(34,0)", "-9999999999999999999999999999999999",
+       "-9999999999999999999999999999999999"},
+      {"decimal(2,2)", "0.99", "0.99"},
+      {"interval", "-1", "-1"},
+      {"date", "2024-02-29", "2024-02-29 00:00:00"},
+      {"date", "1969-12-31 23:59:59", "1969-12-31 23:59:59"},
+      {"date", "2024-01-01T00:00:00.000Z", "2024-01-01 00:00:00"},
+      {"timestamp", "1969-12-31T23:59:59.999", "1969-12-31 23:59:59.999"},
+      {"timestamp", "2024-01-01 10:20:30.5+00", "2024-01-01 10:20:30.500"},
+      {"bigdatetime", "2024-01-01 10:20:30.000001", "2024-01-01 10:20:30.000001"},
+      {"bigdatetime", "2024-01-01 10:20", "2024-01-01 10:20:00.000000"},
+      {"bigdatetime", "0001-01-01 00:00:00+00:00", "0001-01-01 00:00:00.000000"},
+      {"time", "23:59:59", "23:59:59"},
+      {"time", "07:05", "07:05:00"},
+  };
+  for (const Case& row : cases) {
+    EXPECT_EQ(readAndWrite(row.type, row.text), row.expected) << row.type << " " << row.text;
+  }
+}
+
+TEST(ValueParser, RefusesWhatWouldBeCutOrGuessed) {
+  const char* const noMoment = "!not a date and time of the form YYYY-MM-DD hh:mm:ss";
+  const Case cases[] = {
+      {"int16", "32768", "!16-bit integer constant out of range"},
+      {"integer", "", "!integer constant does not begin with a legal character"},
+      {"integer", "1 ", "!integer constant does not end with a legal character"},
+      {"integer", "2147483648", "!integer constant out of range"},
+      {"long", "9223372036854775808", "!long constant out of range"},
+      {"float", "nan", "!float constant does not begin with a legal character"},
+      {"float", "1e999", "!float constant out of range"},
+      {"boolean", "maybe", "!not a legal boolean value"},
+      {"binary", "0", "!Odd number of characters in hex string"},
+      {"binary", "0g", "!Invalid hex character"},
+      {"money", "1.23456", "!5 digits behind the point, the type holds 4"},
+      {"money", " -1.5", "!not a decimal number"},
+      {"money", "922337203685477.5808", "!money constant out of range"},
+      {"money(15)", "0.0000000000000001", "!16 digits behind the point, the type holds 15"},
+      {"decimal(5,2)", "1234", "!4 digits before the point, the type holds 3"},
+      {"decimal(5,2)", "1.234", "!3 digits behind the point, the type holds 2"},
+      {"decimal(5,2)", ".", "!not a decimal number"},
+      {"decimal(5,2)", "1e2", "!not a decimal number"},
+      {"date", "2023-02-29", noMoment},
+      {"date", "2024-1-1", noMoment},
+      {"date", "2024-01-01 24:00:00", noMoment},
+      {"date", "2024-01-01 00:00:00.5", "!1 digits of a second, the type holds 0"},
+      {"timestamp", "2024-01-01 00:00:00.1234", "!4 digits of a second, the type holds 3"},
+      {"bigdatetime", "2024-01-01 00:00:00+01", noMoment},
+      {"bigdatetime", "2024-01-01 00:00:00.", noMoment},
+      {"time", "25:00", "!not a time of the form hh:mm:ss"},
+      {"time", "12:00:00.5", "!not a time of the form hh:mm:ss"},
+  };
+  for (const Case& row : cases) {
+    EXPECT_EQ(readAndWrite(row.type, row.text), row.expected) << row.type << " " << row.text;
+  }
+  EXPECT_EQ(readAndWrite("string", std::string("a\0b", 3)), "!a string cannot hold a zero byte");
+  EXPECT_NE(readAndWrite("integer", std::string("1\0", 2)).front(), '1');
+}
+
+TEST(ValueParser, HandsDecimalsWithoutPrecisionOnAsText) {
+  ValueParser parser(DataTypes::kFixedDecimal);
+  DataTypes::DataValue value;
+  EXPECT_EQ(parser.valueType(), 5U);
+  const std::string text = "-12345678901234567890123456789012345678.90";
+  ASSERT_TRUE(parser.parse(text, value));
+  EXPECT_EQ(value.string, text);
+  EXPECT_FALSE(parser.parse("1,5", value));
+}
+
+TEST(ColumnType, KnowsNamesAndRefusesOthers) {
+  EXPECT_EQ(typeFromName("int64"), 2U);
+  EXPECT_EQ(typeFromName("money(3)"), 13U);
+  EXPECT_EQ(typeFromName("decimal(10,2)"), 164382U);
+  for (const char* const name : {"", "INTEGER", "text", "money(16)", "decimal", "decimal(35,0)",
+                                 "decimal(2,3)", "decimal(10,2)x", "decimal(a,b)"}) {
+    EXPECT_THROW(typeFromName(name), Failure) << name;
+  }
+}
+
+TEST(ColumnType, TakesListsApart) {
+  const auto types = typesFromList("a:integer,b c:decimal(10,2),d:e:string");
+  EXPECT_EQ(types, (std::map<std::string, unsigned>{{"a", 1}, {"b c", 164382}, {"d:e", 5}}));
+  EXPECT_TRUE(typesFromList("").empty());
+  for (const char* const list : {"a", ":integer", "a:integer,a:long", "a:integer,,b:long", "a:x"}) {
+    EXPECT_THROW(typesFromList(list), Failure) << list;
+  }
+}
+
+}  // namespace
+}  // namespace zeldb

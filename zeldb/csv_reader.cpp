@@ -1,0 +1,159 @@
+#include "zeldb/csv_reader.h"
+
+#include <csv.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <deque>
+#include <utility>
+
+#include "zeldb/failure.h"
+
+namespace zeldb {
+namespace {
+
+constexpr std::size_t kChunkBytes = 64 * 1024;
+// A quote that is never closed must not take the whole file into memory.
+constexpr std::uint64_t kMaxRecordBytes = 256 * 1024 * 1024;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+// The parser calls back for every field and every line end; what a chunk completes waits in
+// `ready`.
+struct CsvReader::Parser {
+  csv_parser csv{};
+  std::deque<CsvRecord> ready;     // complete records, oldest first
+  CsvRecord handedOut;             // the record that the caller looks at
+  std::vector<CsvRecord> spare;    // handed out before: their storage is used again
+  CsvRecord open;                  // the record being read
+  std::size_t openFields = 0;      // its fields so far
+  std::uint64_t line = 1;          // of the next byte
+  std::uint64_t pendingBytes = 0;  // since the last complete record
+  int lastLineEnd = 0;
+
+  Parser() {
+    csv_init(&csv, CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL | CSV_EMPTY_IS_NULL);
+    csv_set_space_func(&csv, [](unsigned char) { return 0; });
+  }
+  ~Parser() { csv_free(&csv); }
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
+
+  void onField(const char* text, std::size_t length) {
+    if (openFields == 0) {
+      open.line = line;
+    }
+    if (openFields == open.fields.size()) {
+      open.fields.emplace_back();
+    }
+    CsvField& field = open.fields[openFields++];
+    field.empty = text == nullptr;
+    field.text.assign(text != nullptr ? text : "", length);
+    line += static_cast<std::uint64_t>(std::count(field.text.begin(), field.text.end(), '\n'));
+    lastLineEnd = 0;
+  }
+
+  // `end` is the character that ends the line, or -1 at the end of the file.
+  void onLineEnd(int end) {
+    const bool secondOfPair = end == '\n' && lastLineEnd == '\r';
+    lastLineEnd = end;
+    if (!secondOfPair) {
+      completeRecord();
+      ++line;
+    }
+  }
+
+  void completeRecord() {
+    if (openFields > 0) {
+      open.fields.resize(openFields);
+      ready.push_back(std::move(open));
+      openFields = 0;
+      open = CsvRecord();
+      if (!spare.empty()) {
+        open = std::move(spare.back());
+        spare.pop_back();
+      }
+    }
+    pendingBytes = 0;
+  }
+
+  const CsvRecord* handOut() {
+    spare.push_back(std::move(handedOut));
+    handedOut = std::move(ready.front());
+    ready.pop_front();
+    return &handedOut;
+  }
+
+  static void fieldCallback(void* text, std::size_t length, void* self) {
+    static_cast<Parser*>(self)->onField(static_cast<const char*>(text), length);
+  }
+  static void lineCallback(int end, void* self) { static_cast<Parser*>(self)->onLineEnd(end); }
+};
+
+CsvReader::CsvReader(const std::filesystem::path& path)
+    : path_(path),
+      file_(std::fopen(path.c_str(), "rb")),
+      parser_(std::make_unique<Parser>()),
+      buffer_(kChunkBytes) {
+  if (!file_ || std::filesystem::is_directory(path)) {
+    const int cause = file_ ? EISDIR : errno;
+    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path.string(), std::strerror(cause)));
+  }
+  std::error_code noSize;
+  const auto size = std::filesystem::file_size(path, noSize);
+  sizeBytes_ = noSize ? 0 : size;
+}
+
+CsvReader::~CsvReader() = default;
+
+const CsvRecord* CsvReader::next() {
+  while (parser_->ready.empty() && !atEnd_) {
+    readChunk();
+  }
+  if (parser_->ready.empty()) {
+    return nullptr;
+  }
+  return parser_->handOut();
+}
+
+void CsvReader::readChunk() {
+  Parser& parser = *parser_;
+  const std::size_t length = std::fread(buffer_.data(), 1, buffer_.size(), file_.get());
+  if (std::ferror(file_.get()) != 0) {
+    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(errno)));
+  }
+  std::string_view chunk(buffer_.data(), length);
+  skipByteOrderMark(chunk);
+  bytesRead_ += length;
+  parser.pendingBytes += length;
+  const std::size_t used = csv_parse(&parser.csv, chunk.data(), chunk.size(), Parser::fieldCallback,
+                                     Parser::lineCallback, &parser);
+  if (used != chunk.size()) {
+    failMalformed("a quote in a field that is not quoted, or text behind a closing quote");
+  }
+  if (parser.pendingBytes > kMaxRecordBytes) {
+    failMalformed("a record of more than 256 MiB; is a quote not closed?");
+  }
+  if (length == 0) {
+    atEnd_ = true;
+    if (csv_fini(&parser.csv, Parser::fieldCallback, Parser::lineCallback, &parser) != 0) {
+      failMalformed("the file ends within quotes");
+    }
+  }
+}
+
+void CsvReader::skipByteOrderMark(std::string_view& chunk) const {
+  if (bytesRead_ == 0 && chunk.starts_with(kByteOrderMark)) {
+    chunk.remove_prefix(kByteOrderMark.size());
+  }
+}
+
+void CsvReader::failMalformed(const char* reason) const {
+  throw Failure(ExitCode::kFile, fmt::format("{}:{}:{}: {}", path_.string(), parser_->line,
+                                             parser_->openFields + 1, reason));
+}
+
+}  // namespace zeldb

@@ -1,0 +1,41 @@
+#include "zeldb/driver_log.h"
+
+#include <spdlog/spdlog.h>
+
+#include <utility>
+
+namespace zeldb {
+
+DriverLog::DriverLog()
+    : previous_(KORVEX::Zel::installLogSink(
+          [this](const KORVEX::Zel::LogMessage& message) { receive(message); })) {}
+
+DriverLog::~DriverLog() {
+  KORVEX::Zel::installLogSink(std::move(previous_));
+}
+
+void DriverLog::clear() {
+  firstKey_.clear();
+  diagnostic_.reset();
+}
+
+std::string DriverLog::explanation() const {
+  if (diagnostic_) {
+    return diagnostic_->toString();
+  }
+  return firstKey_.empty() ? "the driver gives no reason" : firstKey_;
+}
+
+void DriverLog::receive(const KORVEX::Zel::LogMessage& message) {
+  spdlog::debug("driver: {} {} {}", message.key, message.text1, message.text2);
+  if (firstKey_.empty()) {
+    firstKey_ = message.key;
+  }
+  for (const std::string_view text : {message.text1, message.text2}) {
+    if (!diagnostic_) {
+      diagnostic_ = Diagnostic::parse(text);
+    }
+  }
+}
+
+}  // namespace zeldb

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "standin/log_sink.h"
+#include "zeldb/diagnostic.h"
+
+namespace zeldb {
+
+// Receives what the driver logs while it lives, so that a failing operation can be explained. One
+// at a time, for one thread.
+class DriverLog {
+ public:
+  DriverLog();
+  ~DriverLog();
+  DriverLog(const DriverLog&) = delete;
+  DriverLog& operator=(const DriverLog&) = delete;
+
+  // Forgets what has been logged so far; called before an operation.
+  void clear();
+
+  // The first diagnostic logged since clear(), if any.
+  const std::optional<Diagnostic>& diagnostic() const { return diagnostic_; }
+
+  // Why the operation failed, in one line: the diagnostic, or the key of the first message.
+  std::string explanation() const;
+
+ private:
+  void receive(const KORVEX::Zel::LogMessage& message);
+
+  KORVEX::Zel::LogSink previous_;
+  std::string firstKey_;
+  std::optional<Diagnostic> diagnostic_;
+};
+
+}  // namespace zeldb

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/connection.h"
+#include "host/driver.h"
+#include "zeldb/driver_log.h"
+#include "zeldb/service.h"
+#include "zeldb/session.h"
+
+namespace zeldb {
+
+// A session over the value-by-value interface.
+class FirstGenerationSession : public Session {
+ public:
+  // Opens a connection. Throws Failure when the driver makes none or it cannot be opened.
+  FirstGenerationSession(KORVEX::Zel::DB::Driver& driver, const Service& service);
+  ~FirstGenerationSession() override;
+
+  std::string databaseType() override;
+  std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
+  std::int64_t update(const std::string& sql, const Parameters& params) override;
+  std::unique_ptr<BatchWriter> insert(const std::string& sql) override;
+  void commit() override;
+  void rollback() noexcept override;
+
+ private:
+  struct Release {
+    KORVEX::Zel::DB::Driver* driver;
+    void operator()(KORVEX::Zel::DB::Connection* connection) const;
+  };
+
+  DriverLog log_;
+  std::unique_ptr<KORVEX::Zel::DB::Connection, Release> connection_;
+};
+
+}  // namespace zeldb

@@ -1,0 +1,88 @@
+#include "zeldb/insert_plan.h"
+
+#include <fmt/format.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <set>
+
+#include "datatypes/type_code.h"
+#include "zeldb/failure.h"
+#include "zeldb/identifier_quotes.h"
+
+namespace zeldb {
+namespace {
+
+std::vector<ResultColumn> columnsOf(Session& session, const std::string& table) {
+  return session.query(fmt::format("select * from {} where 1 = 0", table), {})->columns();
+}
+
+// The one column that the comparison finds; null when it finds none or more.
+template <typename Same>
+const ResultColumn* onlyColumn(const std::vector<ResultColumn>& columns, Same same) {
+  const auto first = std::find_if(columns.begin(), columns.end(), same);
+  const bool unique =
+      first != columns.end() && std::find_if(first + 1, columns.end(), same) == columns.end();
+  return unique ? &*first : nullptr;
+}
+
+const ResultColumn* findColumn(const std::vector<ResultColumn>& columns, const std::string& name) {
+  const ResultColumn* const exact =
+      onlyColumn(columns, [&](const ResultColumn& column) { return column.name == name; });
+  return exact != nullptr ? exact : onlyColumn(columns, [&](const ResultColumn& column) {
+    return strcasecmp(column.name.c_str(), name.c_str()) == 0;
+  });
+}
+
+void checkTypesAreUsed(const std::map<std::string, unsigned int>& types, const CsvRecord& header,
+                       const std::string& file) {
+  for (const auto& [name, type] : types) {
+    if (std::none_of(header.fields.begin(), header.fields.end(),
+                     [&, &wanted = name](const CsvField& field) { return field.text == wanted; })) {
+      throw Failure(ExitCode::kUsage, fmt::format("{}:{}:1: the header has no column \"{}\"", file,
+                                                  header.line, name));
+    }
+  }
+}
+
+std::string insertStatement(const std::string& table, const std::vector<ResultColumn>& columns,
+                            const std::string& databaseType) {
+  std::string names;
+  std::string markers;
+  for (const ResultColumn& column : columns) {
+    const char* const comma = names.empty() ? "" : ", ";
+    names += comma + quotedIdentifier(column.name, databaseType);
+    markers += fmt::format("{}?", comma);
+  }
+  return fmt::format("insert into {} ({}) values ({})", table, names, markers);
+}
+
+}  // namespace
+
+InsertPlan planInsert(Session& session, const std::string& table, const std::string& file,
+                      const CsvRecord& header, const std::map<std::string, unsigned int>& types) {
+  checkTypesAreUsed(types, header, file);
+  const std::vector<ResultColumn> known = columnsOf(session, table);
+  InsertPlan plan;
+  std::set<std::string> used;
+  for (std::size_t at = 0; at < header.fields.size(); ++at) {
+    const std::string& name = header.fields[at].text;
+    const auto fail = [&](const char* reason) {
+      throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: table {} has no column \"{}\"{}", file,
+                                                  header.line, at + 1, table, name, reason));
+    };
+    const ResultColumn* const column = findColumn(known, name);
+    if (column == nullptr) {
+      fail("");
+    }
+    if (!used.insert(column->name).second) {
+      fail(" left, it comes twice");
+    }
+    const auto type = types.find(name);
+    plan.columns.push_back({column->name, type != types.end() ? type->second : column->type});
+  }
+  plan.sql = insertStatement(table, plan.columns, session.databaseType());
+  return plan;
+}
+
+}  // namespace zeldb

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "zeldb/loader.h"
+#include "zeldb/verb.h"
+
+namespace zeldb {
+
+// "zeldb load SERVICE TABLE FILE": inserts the rows of a CSV file into a table that exists.
+class LoadVerb : public Verb {
+ public:
+  CLI::App* declare(CLI::App& app) override;
+  void run(Connector& connector) override;
+
+ private:
+  std::string service_;
+  std::string table_;
+  std::string file_;
+  std::string types_;
+  LoadOptions options_;
+};
+
+}  // namespace zeldb

@@ -1,0 +1,93 @@
+#include <fmt/format.h>
+#include <spdlog/sinks/stdout_color_sinks.h>
+#include <spdlog/spdlog.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "zeldb/connector.h"
+#include "zeldb/failure.h"
+#include "zeldb/interrupt.h"
+#include "zeldb/verb.h"
+
+namespace {
+
+using zeldb::ExitCode;
+
+struct CommandLine {
+  CLI::App app{"Checks data services, queries them and loads files into them.", "zeldb"};
+  zeldb::ConnectorOptions connector;
+  std::string logLevel = "warning";
+  std::vector<std::pair<CLI::App*, std::unique_ptr<zeldb::Verb>>> verbs;
+
+  CommandLine() {
+    app.footer(zeldb::kExitCodeHelp);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.set_version_flag("--version", ZELDB_VERSION);
+    app.add_option("--services", connector.services, "Services file")->capture_default_str();
+    app.add_option("--driver", connector.driver, "Driver plug-in")->capture_default_str();
+    app.add_option("--log-level", logLevel, "How much is logged")
+        ->check(CLI::IsMember({"debug", "info", "warning", "error"}))
+        ->capture_default_str();
+    for (auto& verb : zeldb::makeVerbs()) {
+      CLI::App* const declared = verb->declare(app);
+      verbs.emplace_back(declared, std::move(verb));
+    }
+  }
+
+  zeldb::Verb& chosen() const {
+    for (const auto& [declared, verb] : verbs) {
+      if (declared->parsed()) {
+        return *verb;
+      }
+    }
+    throw zeldb::Failure(ExitCode::kUsage, "no verb");
+  }
+};
+
+void startLog(const std::string& level) {
+  spdlog::set_default_logger(spdlog::stderr_color_mt("zeldb"));
+  spdlog::set_pattern("%l: %v");
+  spdlog::set_level(spdlog::level::from_str(level));
+}
+
+int complain(ExitCode code, const char* text) {
+  std::cout.flush();
+  std::cerr << "zeldb: " << text << '\n';
+  return static_cast<int>(code);
+}
+
+int run(int argc, char** argv) {
+  CommandLine line;
+  try {
+    line.app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+      return line.app.exit(error);
+    }
+    return complain(ExitCode::kUsage, error.what());
+  }
+  startLog(line.logLevel);
+  zeldb::Interrupt::watch();
+  zeldb::Connector connector(line.connector);
+  line.chosen().run(connector);
+  std::cout.flush();
+  return std::cout ? static_cast<int>(ExitCode::kOk)
+                   : complain(ExitCode::kFile, "standard output cannot be written");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const zeldb::Failure& failure) {
+    return complain(failure.exitCode(), failure.what());
+  } catch (const std::exception& error) {
+    return complain(ExitCode::kUsage, error.what());
+  }
+}

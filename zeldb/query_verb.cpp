@@ -1,0 +1,54 @@
+#include "zeldb/query_verb.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "zeldb/connector.h"
+#include "zeldb/interrupt.h"
+#include "zeldb/query_parameters.h"
+#include "zeldb/statement_kind.h"
+#include "zeldb/table_writer.h"
+
+namespace zeldb {
+
+CLI::App* QueryVerb::declare(CLI::App& app) {
+  CLI::App* const verb = app.add_subcommand("query", "Run a statement and show its rows");
+  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  verb->add_option("SQL", sql_, "The statement, with ? for each parameter")->required();
+  verb->add_option("--param", params_, "TYPE:VALUE of the next ?; TYPE alone is NULL")
+      ->allow_extra_args(false);
+  return verb;
+}
+
+void QueryVerb::run(Connector& connector) {
+  const QueryParameters params(params_);
+  const auto session = connector.connect(connector.service(service_));
+  if (isUpdateStatement(sql_)) {
+    const auto rows = session->update(sql_, params.values());
+    session->commit();
+    std::cout << (rows < 0 ? "done\n"
+                           : fmt::format("{} row{} changed\n", rows, rows == 1 ? "" : "s"));
+  } else {
+    writeRows(*session, sql_, params.values());
+    session->commit();
+  }
+}
+
+void QueryVerb::writeRows(Session& session, const std::string& sql, const Parameters& params) {
+  const auto rows = session.query(sql, params);
+  if (rows->columns().empty()) {
+    std::cout << "done\n";
+    return;
+  }
+  TableWriter writer(std::cout);
+  writer.begin(rows->columns());
+  while (const auto* const row = rows->next()) {
+    Interrupt::check();
+    writer.row(*row);
+  }
+  writer.end();
+}
+
+}  // namespace zeldb

@@ -1,0 +1,157 @@
+#include "zeldb/services_file.h"
+
+#include <fmt/format.h>
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+#include "zeldb/failure.h"
+
+namespace zeldb {
+namespace {
+
+enum class KeyKind { kText, kBool, kPasswordVariable, kPasswordFile };
+
+struct Key {
+  std::string_view name;
+  std::string_view property;  // the property of the data service that it gives
+  KeyKind kind;
+  bool required;
+};
+
+constexpr std::array<Key, 7> kKeys = {{
+    {"DSN", "DSN", KeyKind::kText, true},
+    {"User", "User", KeyKind::kText, true},
+    {"Password", "Password", KeyKind::kText, false},
+    {"password_env", "Password", KeyKind::kPasswordVariable, false},
+    {"password_file", "Password", KeyKind::kPasswordFile, false},
+    {"DatabaseType", "DatabaseType", KeyKind::kText, false},
+    {"WriteBigIntAsChar", "WriteBigIntAsChar", KeyKind::kBool, false},
+}};
+
+// Reads one service out of the parsed file.
+class ServiceReader {
+ public:
+  ServiceReader(const std::filesystem::path& path, const toml::table& services)
+      : path_(path), services_(services) {}
+
+  Service read(const std::string& name) {
+    const toml::node* const node = services_.get(name);
+    if (node == nullptr) {
+      fail({}, fmt::format("no service \"{}\"; there is {}", name, knownNames()));
+    }
+    if (!node->is_table()) {
+      fail(node->source(), fmt::format("\"{}\" is no table of a service", name));
+    }
+    service_.name = name;
+    for (const auto& [key, value] : *node->as_table()) {
+      readKey(key, value);
+    }
+    for (const Key& key : kKeys) {
+      if (key.required && service_.properties[std::string(key.property)].empty()) {
+        fail(node->source(), fmt::format("service \"{}\" has no {}", name, key.name));
+      }
+    }
+    return std::move(service_);
+  }
+
+ private:
+  [[noreturn]] void fail(const toml::source_region& where, const std::string& text) const {
+    const std::string place =
+        where.begin ? fmt::format(":{}:{}", where.begin.line, where.begin.column) : std::string();
+    throw Failure(ExitCode::kUsage, fmt::format("{}{}: {}", path_.string(), place, text));
+  }
+
+  std::string knownNames() const {
+    std::vector<std::string_view> names;
+    for (const auto& [key, value] : services_) {
+      names.push_back(key.str());
+    }
+    return names.empty() ? "none" : fmt::format("{}", fmt::join(names, ", "));
+  }
+
+  void readKey(const toml::key& name, const toml::node& value) {
+    const auto* const key = std::find_if(kKeys.begin(), kKeys.end(), [&](const Key& candidate) {
+      return candidate.name == name.str();
+    });
+    if (key == kKeys.end()) {
+      fail(name.source(), fmt::format("unknown key \"{}\"", name.str()));
+    }
+    const auto [place, isNew] = service_.properties.try_emplace(std::string(key->property));
+    if (!isNew) {
+      fail(name.source(), "more than one password");
+    }
+    place->second = textOf(*key, value);
+  }
+
+  std::string textOf(const Key& key, const toml::node& value) const {
+    if (key.kind == KeyKind::kBool) {
+      if (!value.is_boolean()) {
+        fail(value.source(), fmt::format("{} must be true or false", key.name));
+      }
+      return value.as_boolean()->get() ? "true" : "false";
+    }
+    if (!value.is_string()) {
+      fail(value.source(), fmt::format("{} must be a text", key.name));
+    }
+    const std::string& text = value.as_string()->get();
+    switch (key.kind) {
+      case KeyKind::kPasswordVariable:
+        return environmentText(text, value.source());
+      case KeyKind::kPasswordFile:
+        return firstLineOf(text, value.source());
+      default:
+        return text;
+    }
+  }
+
+  std::string environmentText(const std::string& name, const toml::source_region& where) const {
+    const char* const text = std::getenv(name.c_str());
+    if (text == nullptr) {
+      fail(where, fmt::format("environment variable {} is not set", name));
+    }
+    return text;
+  }
+
+  std::string firstLineOf(const std::string& name, const toml::source_region& where) const {
+    const std::filesystem::path file = path_.parent_path() / name;
+    std::ifstream in(file);
+    std::string line;
+    if (!std::getline(in, line)) {
+      fail(where, fmt::format("password file {} cannot be read or is empty", file.string()));
+    }
+    if (line.ends_with('\r')) {
+      line.pop_back();
+    }
+    return line;
+  }
+
+  const std::filesystem::path& path_;
+  const toml::table& services_;
+  Service service_;
+};
+
+}  // namespace
+
+Service ServicesFile::find(const std::string& name) const {
+  std::ifstream in(path_);
+  if (!in || std::filesystem::is_directory(path_)) {
+    throw Failure(ExitCode::kUsage,
+                  fmt::format("{}: services file cannot be read", path_.string()));
+  }
+  try {
+    const toml::table services = toml::parse(in, path_.string());
+    return ServiceReader(path_, services).read(name);
+  } catch (const toml::parse_error& error) {
+    const auto& begin = error.source().begin;
+    throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: {}", path_.string(), begin.line,
+                                                begin.column, error.description()));
+  }
+}
+
+}  // namespace zeldb

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+
+#include "zeldb/service.h"
+
+namespace zeldb {
+
+// The TOML file that lists the data services, a table for each:
+//
+//   [orders]
+//   DSN = "orders"
+//   User = "app"
+//   Password = "..."                 or password_env = "NAME", or password_file = "path"
+//   DatabaseType = "POSTGRESQL"      optional
+//   WriteBigIntAsChar = true         optional
+//
+// A password file's path counts from the folder of the services file; its first line is taken.
+class ServicesFile {
+ public:
+  explicit ServicesFile(std::filesystem::path path) : path_(std::move(path)) {}
+
+  // Reads the file and returns one service. Throws Failure with file, line and column when the
+  // file cannot be read or parsed, has no such service, or the service has an unknown key, a value
+  // of the wrong type, more than one password or no DSN or User.
+  Service find(const std::string& name) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace zeldb
