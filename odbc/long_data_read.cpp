@@ -11,8 +11,6 @@ namespace {
 constexpr std::int64_t kLeastRequest = 4;
 // Asked for at a time when the driver cannot tell how much there is.
 constexpr std::int64_t kUnknownTotalRequest = 100000;
-// A driver that does not split a character leaves up to this many bytes of a piece unused.
-constexpr std::int64_t kLongestCharacter = 4;
 constexpr std::int64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
 
 std::int64_t roundUpToEven(std::int64_t bytes) {
@@ -30,8 +28,12 @@ bool LongDataRead::prepare() {
   request_ = std::max(request_, kLeastRequest);
   if (wide_) request_ = roundUpToEven(request_);
   const std::int64_t end = offset_ + request_;
-  // Unset: the driver writes these bytes, or they are cut off.
-  return end <= kMaxBytes && buffer_.ExtendUnset(static_cast<std::uint32_t>(end)) == end;
+  if (end > kMaxBytes) return false;
+  // Unset: the driver writes these bytes, or they are cut off. A driver that does not split a
+  // character leaves the last few alone, though, and the next piece does not cover them.
+  if (buffer_.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
+  std::memset(buffer_.Data() + end - kLeastRequest, 0, kLeastRequest);
+  return true;
 }
 
 LongDataRead::Step LongDataRead::take(SQLRETURN rc, SQLLEN indicator, SQLLEN& total) {
@@ -59,11 +61,9 @@ void LongDataRead::moveBehindPiece(SQLRETURN rc, bool totalKnown) {
     used = request_ - 1;
     // Where a full piece is not certain the terminator is looked for: a wide text may end early, so
     // as not to split a character, and so may the last piece of a text of unknown length.
-    const bool last = !totalKnown && rc == SQL_SUCCESS;
-    if (wide_ || last) {
-      const std::int64_t from = last ? 0 : std::max<std::int64_t>(0, request_ - kLongestCharacter);
+    if (wide_ || (!totalKnown && rc == SQL_SUCCESS)) {
       const unsigned char* piece = target();
-      const void* nul = std::memchr(piece + from, 0, static_cast<std::size_t>(request_ - from));
+      const void* nul = std::memchr(piece, 0, static_cast<std::size_t>(request_));
       if (nul != nullptr) used = static_cast<const unsigned char*>(nul) - piece;
     }
   }
