@@ -131,6 +131,7 @@ Odbc::e_Status OdbcQueryImpl::FetchData() {
   e_Status status = e_Ok;
   for (std::size_t n = 1; n < columns_.size(); ++n) {
     status = columns_[n]->GetData();
+    // Kept: other statuses do not end the row, and only the last column's is returned.
     if (status == e_Error) break;
   }
   return status;

@@ -175,9 +175,13 @@ TEST_F(Column, LongDataInPieces) {
 
 // A driver that does not split a character ends a wide piece early.
 TEST_F(Column, WidePiecesGoOnAtTheTerminator) {
-  EXPECT_EQ(fetch({"c", -9, 9}, {counted(40), fake::Total::kKnown, 10}), Odbc::e_Ok);
-  EXPECT_EQ(bytes(), counted(40));
-  EXPECT_EQ(log_[1], "SQLGetData(1,1,30)");  // 40 - 12 + 1, made even
+  for (const SQLLEN shortBy : {1, 2, 3}) {
+    EXPECT_EQ(fetch({"c", -9, 19}, {counted(70), fake::Total::kKnown, shortBy}), Odbc::e_Ok);
+    EXPECT_EQ(bytes(), counted(70));
+    EXPECT_EQ(log_[1], "SQLGetData(1,1,50)");  // 70 - 22 + 1, made even
+    EXPECT_EQ(fetch({"c", -9, 19}, {counted(70), fake::Total::kNever, shortBy}), Odbc::e_Ok);
+    EXPECT_EQ(bytes(), counted(70));
+  }
 }
 
 TEST_F(Column, EndOfDataInsideAValue) {

@@ -60,12 +60,12 @@ struct Cell {
   std::string bytes;
   bool null = false;
   Total total = Total::kKnown;
-  SQLLEN pieceBytes = 0;  // the most that one call delivers; 0: what fits
+  SQLLEN shortBy = 0;  // what a piece that is not the last leaves unused of the room it has
 
   Cell() : null(true) {}
   Cell(const char* text) : bytes(text) {}
-  Cell(std::string text, Total howTotal = Total::kKnown, SQLLEN most = 0)
-      : bytes(std::move(text)), total(howTotal), pieceBytes(most) {}
+  Cell(std::string text, Total howTotal = Total::kKnown, SQLLEN pieceShortBy = 0)
+      : bytes(std::move(text)), total(howTotal), shortBy(pieceShortBy) {}
 
   // A number or an ODBC structure.
   template <typename Raw>

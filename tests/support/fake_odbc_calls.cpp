@@ -55,6 +55,7 @@ class Call {
   }
 
   // Whether the call is to do nothing but give this answer.
+  bool valid() const { return valid_; }
   bool refused() const { return !valid_ || !SQL_SUCCEEDED(answer_.rc); }
   SQLRETURN rc() const { return valid_ ? answer_.rc : static_cast<SQLRETURN>(SQL_INVALID_HANDLE); }
   // Ends a call that the script leaves alone.
@@ -131,7 +132,7 @@ SQLRETURN SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) 
 
 SQLRETURN SQLFreeHandle(SQLSMALLINT type, SQLHANDLE handle) {
   Call call("SQLFreeHandle", type, handle, join(type));
-  if (call.rc() != SQL_INVALID_HANDLE) self().freeHandle(&*call);  // also when it says it failed
+  if (call.valid()) self().freeHandle(&*call);  // also when it says it failed
   return call.rc();
 }
 
@@ -256,7 +257,7 @@ SQLRETURN SQLBindParameter(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT direc
 
 SQLRETURN SQLExecute(SQLHSTMT stmt) {
   Call call("SQLExecute", SQL_HANDLE_STMT, stmt, "");
-  if (call.rc() == SQL_INVALID_HANDLE) return call.rc();
+  if (!call.valid()) return call.rc();
   self().executions.push_back(self().snapshot(*call));
   if (call->paramStatus != nullptr) {
     const auto scripted = self().paramStatus.value_or(
@@ -375,8 +376,7 @@ SQLRETURN SQLGetData(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT cType, SQLP
   }
   const auto left = static_cast<SQLLEN>(cell.bytes.size() - call->offset);
   SQLLEN piece = std::max<SQLLEN>(0, cType == SQL_C_CHAR ? room - 1 : room);
-  if (cell.pieceBytes > 0) piece = std::min(piece, cell.pieceBytes);
-  piece = std::min(piece, left);
+  piece = piece < left ? std::max<SQLLEN>(piece - cell.shortBy, 1) : left;
   std::memcpy(data, cell.bytes.data() + call->offset, static_cast<std::size_t>(piece));
   if (cType == SQL_C_CHAR && room > 0) static_cast<char*>(data)[piece] = 0;
   call->offset += static_cast<std::size_t>(piece);
