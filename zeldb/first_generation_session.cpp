@@ -34,6 +34,20 @@ unsigned int readingType(unsigned int described) {
              : described;
 }
 
+// The type of a table's column. Decimals get the column's digits, except where those are only what
+// PostgreSQL's driver reports for a column declared without any.
+unsigned int columnType(const db::Column& column, const std::string& databaseType) {
+  const int precision = column.getSize();
+  const int scale = column.getScale();
+  const bool sized = precision > 0 &&
+                     precision <= static_cast<int>(DataTypes::kMaxDecimalPrecision) && scale >= 0 &&
+                     scale <= precision &&
+                     !(databaseType == "POSTGRESQL" && precision == 28 && scale == 6);
+  return isUnsizedDecimal(column.getType()) && sized
+             ? DataTypes::createFixedDecimal(precision, scale)
+             : column.getType();
+}
+
 class FirstGenerationRows : public RowSource {
  public:
   FirstGenerationRows(DriverLog& log, db::ResultSet& rows)
@@ -154,6 +168,22 @@ void FirstGenerationSession::Release::operator()(db::Connection* connection) con
 
 std::string FirstGenerationSession::databaseType() {
   return connection_->getDriverProperty(db::Driver::PROPERTY_KEY_DATABASE_TYPE);
+}
+
+std::vector<ResultColumn> FirstGenerationSession::describeTable(const std::string& table) {
+  const std::string type = databaseType();
+  std::vector<ResultColumn> columns;
+  int count = 0;
+  if (connection_->getTableNumColumns(table, count) != db::kSuccess) {
+    count = 0;
+  }
+  for (int at = 0; at < count; ++at) {
+    const db::Column* column = nullptr;
+    if (connection_->getTableColumnInfo(table, at, column) == db::kSuccess && column != nullptr) {
+      columns.push_back({column->getName(), columnType(*column, type)});
+    }
+  }
+  return columns;
 }
 
 std::unique_ptr<RowSource> FirstGenerationSession::query(const std::string& sql,

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/connection.h"
 #include "host/driver.h"
@@ -19,6 +20,7 @@ class FirstGenerationSession : public Session {
   ~FirstGenerationSession() override;
 
   std::string databaseType() override;
+  std::vector<ResultColumn> describeTable(const std::string& table) override;
   std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
   std::int64_t update(const std::string& sql, const Parameters& params) override;
   std::unique_ptr<BatchWriter> insert(const std::string& sql) override;

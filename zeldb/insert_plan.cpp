@@ -13,8 +13,18 @@
 namespace zeldb {
 namespace {
 
+// The columns as a query names them; the catalogue knows their types better, where it knows them.
 std::vector<ResultColumn> columnsOf(Session& session, const std::string& table) {
-  return session.query(fmt::format("select * from {} where 1 = 0", table), {})->columns();
+  std::vector<ResultColumn> columns =
+      session.query(fmt::format("select * from {} where 1 = 0", table), {})->columns();
+  for (const ResultColumn& described : session.describeTable(table)) {
+    for (ResultColumn& column : columns) {
+      if (column.name == described.name && described.type != DataTypes::kUnknown) {
+        column.type = described.type;
+      }
+    }
+  }
+  return columns;
 }
 
 // The one column that the comparison finds; null when it finds none or more.
