@@ -108,6 +108,9 @@ class FaultTest : public DriverFixture {
     odbc.reset();
     odbc.results["q"] = {
         {{{"n", SQL_INTEGER, 10}, {"s", SQL_VARCHAR, 9}}, {{fake::Cell::of(1), "text"}}}};
+    fake::Result noTables;
+    noTables.columns = {{"TABLE_CAT", SQL_VARCHAR, 9}};
+    odbc.results["SQLTables"] = {noTables};
   }
 
   // The function of the `call`-th line of a log, without its arguments.
