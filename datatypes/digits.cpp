@@ -1,24 +1,12 @@
 #include "datatypes/digits.h"
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 
+#include "datatypes/digit_pairs.h"
 #include "host/intl.h"
 
 namespace DataTypes {
-namespace {
-
-// "00" to "99".
-constexpr auto kPairs = [] {
-  std::array<char, 200> pairs{};
-  for (unsigned i = 0; i < 100; ++i) {
-    pairs[i * 2] = static_cast<char>('0' + i / 10);
-    pairs[i * 2 + 1] = static_cast<char>('0' + i % 10);
-  }
-  return pairs;
-}();
-
-}  // namespace
 
 std::size_t printPaddedPlain(long value, int width, char* out) {
   char text[kMaxNumberText + 1];
@@ -28,28 +16,23 @@ std::size_t printPaddedPlain(long value, int width, char* out) {
   return length;
 }
 
+// "%0*lld" writes the sign first and counts it in the width; the digits fill what is left, or what
+// they need. Pictures print two digits most often.
 std::size_t printPadded(long value, int width, char* out) {
-  char text[kMaxNumberText];
-  std::size_t first = kMaxNumberText;
-  // Unsigned, so that the most negative number has a magnitude.
-  auto rest = static_cast<unsigned long>(value);
-  if (value < 0) rest = 0 - rest;
-  for (; rest >= 100; rest /= 100) {
-    first -= 2;
-    std::memcpy(text + first, &kPairs[rest % 100 * 2], 2);
+  if (width == 2 && value >= 0 && value < 100) {
+    putPair(out, static_cast<unsigned>(value));
+    return 2;
   }
-  if (rest >= 10) {
-    first -= 2;
-    std::memcpy(text + first, &kPairs[rest * 2], 2);
-  } else {
-    text[--first] = static_cast<char>('0' + rest);
-  }
-  const std::size_t digitWidth = static_cast<std::size_t>(width) - (value < 0 && width > 0 ? 1 : 0);
-  while (kMaxNumberText - first < digitWidth) text[--first] = '0';
   char* at = out;
-  if (value < 0) *at++ = '-';
-  std::memcpy(at, text + first, kMaxNumberText - first);
-  return static_cast<std::size_t>(at - out) + kMaxNumberText - first;
+  // Unsigned, so that the most negative number has a magnitude.
+  auto magnitude = static_cast<unsigned long>(value);
+  if (value < 0) {
+    magnitude = 0 - magnitude;
+    *at++ = '-';
+    --width;
+  }
+  const unsigned count = std::max(digitCount(magnitude), static_cast<unsigned>(std::max(width, 0)));
+  return static_cast<std::size_t>(putFixed(at, magnitude, count) - out);
 }
 
 }  // namespace DataTypes

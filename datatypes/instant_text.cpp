@@ -1,10 +1,13 @@
 #include "datatypes/instant_text.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
 
 #include "datatypes/calendar.h"
+#include "datatypes/characters.h"
+#include "datatypes/digit_pairs.h"
 #include "datatypes/time_text.h"
 #include "host/intl.h"
 
@@ -30,6 +33,106 @@ void splitInstant(long value, long unitsPerSecond, long& seconds, long& fraction
   --seconds;
 }
 
+constexpr long kSecondsPerDay = 86400;
+constexpr long kFirstSecond = -62167219200;  // 0000-01-01 00:00:00
+constexpr long kLastSecond = 253402300799;   // 9999-12-31 23:59:59
+
+bool hasFourDigitYear(long seconds) {
+  return seconds >= kFirstSecond && seconds <= kLastSecond;
+}
+
+char* putTime(unsigned secondOfDay, char* out) {
+  out = putPair(out, secondOfDay / 3600);
+  *out++ = ':';
+  out = putPair(out, secondOfDay / 60 % 60);
+  *out++ = ':';
+  return putPair(out, secondOfDay % 60);
+}
+
+// Writes the date of a day counted from 0000-01-01. Years begin on 1 March here, so that the leap
+// day is the last one; all divisions are by constants and in 32 bits.
+char* putDate(unsigned day, char* out) {
+  constexpr unsigned kDaysOf400Years = 146097;
+  constexpr unsigned kDaysBeforeMarch = 60;
+  // One cycle more, for January and February of year 0.
+  const unsigned quarters = 4 * (day + kDaysOf400Years - kDaysBeforeMarch) + 3;
+  const unsigned century = quarters / kDaysOf400Years;
+  const unsigned dayOfCentury = quarters % kDaysOf400Years / 4;
+  const unsigned yearOfCentury = (4 * dayOfCentury + 3) / 1461;
+  const unsigned dayOfYear = (4 * dayOfCentury + 3) % 1461 / 4;
+  const unsigned marchMonth = (5 * dayOfYear + 2) / 153;
+  const unsigned dayOfMonth = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
+  const bool isNextYear = marchMonth >= 10;
+  const unsigned year = century * 100 + yearOfCentury - 400 + (isNextYear ? 1 : 0);
+  out = putFour(out, year);
+  *out++ = '-';
+  out = putPair(out, isNextYear ? marchMonth - 9 : marchMonth + 3);
+  *out++ = '-';
+  return putPair(out, dayOfMonth);
+}
+
+// Writes "%04d-%02d-%02d %02d:%02d:%02d" of seconds with a four-digit year.
+char* putDateTime(long seconds, char* out) {
+  const auto sinceYear0 = static_cast<unsigned long>(seconds - kFirstSecond);
+  out = putDate(static_cast<unsigned>(sinceYear0 / kSecondsPerDay), out);
+  *out++ = ' ';
+  return putTime(static_cast<unsigned>(sinceYear0 % kSecondsPerDay), out);
+}
+
+std::size_t finish(char* end, bool withZone, const char* begin) {
+  if (withZone) end = std::copy_n("+00", 3, end);
+  return static_cast<std::size_t>(end - begin);
+}
+
+// The two formats that nearly all dates are read by; they differ in one character.
+bool isUsualFormat(const char* format) {
+  return std::strncmp(format, "%Y-%m-%d", 8) == 0 && (format[8] == 'T' || format[8] == ' ') &&
+         std::strcmp(format + 9, "%H:%M:%S") == 0;
+}
+
+// Two digits, or a number above 99.
+unsigned pairAt(const char* text) {
+  const auto tens = static_cast<unsigned char>(text[0] - '0');
+  const auto ones = static_cast<unsigned char>(text[1] - '0');
+  return tens <= 9 && ones <= 9 ? tens * 10U + ones : 100U;
+}
+
+// Reads a date and time with all its digits, from 1970 on and within the ranges of the conversions:
+// strptime reads the same numbers from it and tm2sec counts the same seconds. Returns what follows,
+// or null for the plain form.
+const char* readUsualDateTime(const char* text, char separator, long& seconds) {
+  constexpr std::size_t kLength = 19;
+  constexpr unsigned kFirstYear = 1970;
+  if (strnlen(text, kLength) < kLength) return nullptr;
+  const unsigned century = pairAt(text);
+  const unsigned yearOfCentury = pairAt(text + 2);
+  const unsigned month = pairAt(text + 5);
+  const unsigned day = pairAt(text + 8);
+  const unsigned hour = pairAt(text + 11);
+  const unsigned minute = pairAt(text + 14);
+  const unsigned second = pairAt(text + 17);
+  const unsigned year = century * 100 + yearOfCentury;
+  const bool isInRange = century <= 99 && yearOfCentury <= 99 && year >= kFirstYear &&
+                         month - 1 < 12 && day - 1 < 31 && hour < 24 && minute < 60 && second < 62;
+  // Another digit would belong to the seconds: leading zeros do not count.
+  const bool isInShape = !isDigit(text[kLength]) && text[4] == '-' && text[7] == '-' &&
+                         text[10] == separator && text[13] == ':' && text[16] == ':';
+  if (!isInRange || !isInShape) return nullptr;
+  seconds =
+      ((daysFromCivil(year, static_cast<int>(month), day) * 24 + hour) * 60 + minute) * 60 + second;
+  return text + kLength;
+}
+
+// Reads "." and digits to the end of the text, keeping `count` of them; also the empty text.
+bool readFraction(const char* text, int count, long& fraction) {
+  fraction = 0;
+  const bool hasPoint = *text == '.';
+  if (hasPoint) ++text;
+  for (int i = 0; i < count; ++i) fraction = fraction * 10 + (isDigit(*text) ? *text++ - '0' : 0);
+  while (hasPoint && isDigit(*text)) ++text;
+  return *text == '\0';
+}
+
 }  // namespace
 
 std::size_t printDatePlain(long seconds, bool withZone, char* out) {
@@ -43,7 +146,8 @@ std::size_t printDatePlain(long seconds, bool withZone, char* out) {
 }
 
 std::size_t printDate(long seconds, bool withZone, char* out) {
-  return printDatePlain(seconds, withZone, out);
+  if (!hasFourDigitYear(seconds)) return printDatePlain(seconds, withZone, out);
+  return finish(putDateTime(seconds, out), withZone, out);
 }
 
 std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone, char* out) {
@@ -60,7 +164,19 @@ std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone
 }
 
 std::size_t printInstant(long value, const InstantUnit& unit, bool withZone, char* out) {
-  return printInstantPlain(value, unit, withZone, out);
+  long seconds = 0;
+  long fraction = 0;
+  // Dividing by a constant takes a multiplication.
+  if (unit.fractionDigits == 3)
+    splitInstant(value, 1000, seconds, fraction);
+  else
+    splitInstant(value, 1000000, seconds, fraction);
+  if (!hasFourDigitYear(seconds)) return printInstantPlain(value, unit, withZone, out);
+  char* at = putDateTime(seconds, out);
+  *at++ = '.';
+  at = putFixed(at, static_cast<unsigned long>(fraction),
+                static_cast<unsigned>(unit.fractionDigits));
+  return finish(at, withZone, out);
 }
 
 std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out) {
@@ -73,10 +189,12 @@ std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out) {
 }
 
 std::size_t printTimeOfDay(long seconds, bool withZone, char* out) {
-  return printTimeOfDayPlain(seconds, withZone, out);
+  if (!hasFourDigitYear(seconds)) return printTimeOfDayPlain(seconds, withZone, out);
+  const auto sinceYear0 = static_cast<unsigned long>(seconds - kFirstSecond);
+  return finish(putTime(static_cast<unsigned>(sinceYear0 % kSecondsPerDay), out), withZone, out);
 }
 
-InstantStatus parseSeconds(const char* text, const char* format, long& seconds) {
+InstantStatus parseSecondsPlain(const char* text, const char* format, long& seconds) {
   if (std::strcmp(format, "%s") == 0) {
     char* end = nullptr;
     const long number = std::strtol(text, &end, 10);
@@ -90,13 +208,19 @@ InstantStatus parseSeconds(const char* text, const char* format, long& seconds) 
   return InstantStatus::kOk;
 }
 
+InstantStatus parseSeconds(const char* text, const char* format, long& seconds) {
+  if (isUsualFormat(format) && readUsualDateTime(text, format[8], seconds) != nullptr)
+    return InstantStatus::kOk;
+  return parseSecondsPlain(text, format, seconds);
+}
+
 InstantStatus parseInstantPlain(const char* text, const InstantUnit& unit, const char* format,
                                 long& value) {
   char* whole = nullptr;
   char* fraction = nullptr;
   if (!unit.split(text, whole, fraction)) return InstantStatus::kNoSplit;
   long seconds = 0;
-  const InstantStatus status = parseSeconds(whole, format, seconds);
+  const InstantStatus status = parseSecondsPlain(whole, format, seconds);
   const long part = std::strtol(fraction, nullptr, 10);
   std::free(whole);
   std::free(fraction);
@@ -112,7 +236,13 @@ InstantStatus parseInstantPlain(const char* text, const InstantUnit& unit, const
 
 InstantStatus parseInstant(const char* text, const InstantUnit& unit, const char* format,
                            long& value) {
-  return parseInstantPlain(text, unit, format, value);
+  long seconds = 0;
+  long fraction = 0;
+  const char* rest = isUsualFormat(format) ? readUsualDateTime(text, format[8], seconds) : nullptr;
+  if (rest == nullptr || !readFraction(rest, unit.fractionDigits, fraction))
+    return parseInstantPlain(text, unit, format, value);
+  value = seconds * unit.unitsPerSecond + fraction;
+  return InstantStatus::kOk;
 }
 
 }  // namespace DataTypes

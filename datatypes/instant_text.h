@@ -33,6 +33,7 @@ std::size_t printTimeOfDay(long seconds, bool withZone, char* out);
 enum class InstantStatus { kOk, kNoSplit, kNoMatch, kOverflow };
 
 // Seconds since the epoch by a format; the format "%s" reads them as a number.
+InstantStatus parseSecondsPlain(const char* text, const char* format, long& seconds);
 InstantStatus parseSeconds(const char* text, const char* format, long& seconds);
 
 // The same with a fraction behind the last point.

@@ -3,17 +3,26 @@
 #include <locale.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <system_error>
 
 #include "datatypes/characters.h"
+#include "datatypes/digit_pairs.h"
+#include "datatypes/digits.h"
+#include "datatypes/int128.h"
 #include "datatypes/settings.h"
 #include "host/intl.h"
 
 namespace DataTypes {
 namespace {
+
+// Digits of any number that fits a long.
+constexpr long kSafeDigits = 18;
 
 bool isSign(char c) {
   return c == '-' || c == '+';
@@ -33,6 +42,34 @@ const char* readFraction(const char* text, unsigned decimals, long& fraction) {
     fraction = fraction * 10 + (isDigit(*text) ? *text++ - '0' : 0);
   while (isDigit(*text)) ++text;
   return text;
+}
+
+// The fraction of a magnitude below 2^63 in units of 1/power, rounded half to even, and its whole
+// part. The fraction can round up to `power` itself.
+std::uint64_t roundedFraction(double magnitude, std::uint64_t power, std::uint64_t& whole) {
+  constexpr int kMantissaBits = 52;
+  constexpr int kExponentBias = 1075;
+  const auto bits = std::bit_cast<std::uint64_t>(magnitude);
+  const auto biased = static_cast<int>(bits >> kMantissaBits);
+  const std::uint64_t mantissa =
+      (bits & ((1ULL << kMantissaBits) - 1)) | (biased != 0 ? 1ULL << kMantissaBits : 0);
+  // magnitude = mantissa / 2^shift
+  const int shift = kExponentBias - (biased != 0 ? biased : 1);
+  if (shift <= 0) {
+    whole = mantissa << -shift;
+    return 0;
+  }
+  if (shift >= 128) {
+    whole = 0;
+    return 0;
+  }
+  whole = shift < 64 ? mantissa >> shift : 0;
+  const Uint128 scaled = Uint128{shift < 64 ? mantissa - (whole << shift) : mantissa} * power;
+  const auto digits = static_cast<std::uint64_t>(scaled >> shift);
+  const Uint128 dropped = scaled - (Uint128{digits} << shift);
+  const Uint128 half = Uint128{1} << (shift - 1);
+  const bool isUp = dropped > half || (dropped == half && digits % 2 != 0);
+  return digits + (isUp ? 1 : 0);
 }
 
 }  // namespace
@@ -55,8 +92,19 @@ NumberStatus parseIntegerPlain(const char* text, long& value) {
   return NumberStatus::kOk;
 }
 
+// Up to 18 digits behind an optional sign cannot overflow, and strtol reads them as they are; all
+// else is for the plain form.
 NumberStatus parseInteger(const char* text, long& value) {
-  return parseIntegerPlain(text, value);
+  const char* const begin = text + (isSign(*text) ? 1 : 0);
+  const char* at = begin;
+  long number = 0;
+  for (; isDigit(*at); ++at) {
+    if (at - begin == kSafeDigits) return parseIntegerPlain(text, value);
+    number = number * 10 + (*at - '0');
+  }
+  if (at == begin || *at != '\0') return parseIntegerPlain(text, value);
+  value = *text == '-' ? -number : number;
+  return NumberStatus::kOk;
 }
 
 NumberStatus parseDoublePlain(const char* text, double& value) {
@@ -69,8 +117,17 @@ NumberStatus parseDoublePlain(const char* text, double& value) {
   return NumberStatus::kOk;
 }
 
+// A decimal number that from_chars reads whole and finds in range is what strtod reads, both round
+// correctly. "+", words, hexadecimal digits and numbers out of range are for the plain form.
 NumberStatus parseDouble(const char* text, double& value) {
-  return parseDoublePlain(text, value);
+  const char* const digits = text + (*text == '-' ? 1 : 0);
+  if (!isDigit(*digits) && *digits != '.') return parseDoublePlain(text, value);
+  const char* const end = digits + std::strlen(digits);
+  double number = 0;
+  const auto [rest, error] = std::from_chars(text, end, number);
+  if (error != std::errc() || rest != end) return parseDoublePlain(text, value);
+  value = number;
+  return NumberStatus::kOk;
 }
 
 NumberStatus parseMoneyPlain(const char* text, unsigned decimals, long factor, long& value) {
@@ -104,8 +161,28 @@ NumberStatus parseMoneyPlain(const char* text, unsigned decimals, long factor, l
   return NumberStatus::kOk;
 }
 
+// Amounts that begin with their sign or a digit and have at most 18 digits, decimals included,
+// cannot overflow. The sign of the amount then is the sign of the fraction.
 NumberStatus parseMoney(const char* text, unsigned decimals, long factor, long& value) {
-  return parseMoneyPlain(text, decimals, factor, value);
+  const char* at = text + (isSign(*text) ? 1 : 0);
+  const char* const begin = at;
+  long whole = 0;
+  for (; isDigit(*at); ++at) {
+    if (at - begin == kSafeDigits) return parseMoneyPlain(text, decimals, factor, value);
+    whole = whole * 10 + (*at - '0');
+  }
+  if (at == begin || at - begin + static_cast<long>(decimals) > kSafeDigits)
+    return parseMoneyPlain(text, decimals, factor, value);
+  long amount = whole * factor;
+  if (*at == '.') {
+    if (!isDigit(at[1])) return NumberStatus::kBadFraction;
+    long fraction = 0;
+    at = readFraction(at + 1, decimals, fraction);
+    amount += fraction;
+  }
+  if (*at != '\0') return NumberStatus::kBadEnd;
+  value = *text == '-' ? -amount : amount;
+  return NumberStatus::kOk;
 }
 
 void printMoneyPlain(long value, unsigned decimals, long factor, char* out, std::size_t outSize) {
@@ -122,8 +199,22 @@ void printMoneyPlain(long value, unsigned decimals, long factor, char* out, std:
       static_cast<int>(decimals), static_cast<unsigned long long>(magnitude % unit));
 }
 
+// The same digits as the two numbers of the plain form; the magnitude is cut after the sign, as
+// there. Without decimals the plain form prints one.
 void printMoney(long value, unsigned decimals, long factor, char* out, std::size_t outSize) {
-  printMoneyPlain(value, decimals, factor, out, outSize);
+  if (decimals == 0) return printMoneyPlain(value, decimals, factor, out, outSize);
+  if (outSize == 0) return;
+  auto magnitude = static_cast<unsigned long>(value);
+  if (value < 0) {
+    magnitude = 0 - magnitude;
+    *out++ = '-';
+  }
+  const auto unit = static_cast<unsigned long>(factor);
+  char text[kMaxNumberText];
+  char* at = putNumber(text, magnitude / unit);
+  *at++ = '.';
+  at = putFixed(at, magnitude % unit, decimals);
+  copyText(text, static_cast<std::size_t>(at - text), out, outSize);
 }
 
 void printDoublePlain(double value, char* out, std::size_t outSize) {
@@ -136,8 +227,31 @@ void printDoublePlain(double value, char* out, std::size_t outSize) {
     KORVEX::Zel::intl_snprintf(out, outSize, "%0.*f", static_cast<int>(g_decimalSize), value);
 }
 
+// A double is m x 2^e with m below 2^53. Below 2^63 its whole part fits a word, and with up to 17
+// decimals the fraction times 10^decimals fits 128 bits exactly: shifting it right gives the
+// digits, and the bits shifted out tell how printf rounds them, half to even. Numbers beyond,
+// infinities and NaNs are for the plain form.
 void printDouble(double value, char* out, std::size_t outSize) {
-  printDoublePlain(value, out, outSize);
+  constexpr double kLimit = 9.2e18;
+  constexpr std::size_t kMaxDecimals = 17;
+  if (std::fabs(value) < g_tolerance) value = 0.0;
+  if (!(std::fabs(value) < kLimit) || g_decimalSize == 0 || g_decimalSize > kMaxDecimals)
+    return printDoublePlain(value, out, outSize);
+  const auto decimals = static_cast<unsigned>(g_decimalSize);
+  const auto power = static_cast<std::uint64_t>(kPowersOfTen[decimals - 1]);
+  std::uint64_t whole = 0;
+  std::uint64_t fraction = roundedFraction(std::fabs(value), power, whole);
+  if (fraction == power) {
+    fraction = 0;
+    ++whole;
+  }
+  char text[kMaxNumberText + kMaxDecimals];
+  char* at = text;
+  if (std::signbit(value)) *at++ = '-';
+  at = putNumber(at, whole);
+  *at++ = '.';
+  at = putFixed(at, fraction, decimals);
+  copyText(text, static_cast<std::size_t>(at - text), out, outSize);
 }
 
 }  // namespace DataTypes

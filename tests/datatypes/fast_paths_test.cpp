@@ -1,0 +1,303 @@
+// Each fast form against the plain form beside it: the same bytes and the same results on boundary
+// values and on random ones.
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "datatypes/decimal_text.h"
+#include "datatypes/digits.h"
+#include "datatypes/hex_codec.h"
+#include "datatypes/instant_text.h"
+#include "datatypes/number_text.h"
+#include "datatypes/settings.h"
+#include "scoped_time_zone.h"
+
+namespace DataTypes {
+namespace {
+
+// Optimised builds take millions; under sanitizers they would take minutes.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kRounds = 300000;
+#else
+constexpr int kRounds = 4000000;
+#endif
+
+class FastPaths : public testing::Test {
+ protected:
+  std::uint64_t next() { return random_(); }
+  int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+  // Any length of number.
+  long number() { return static_cast<long>(random_()) >> (random_() % 64); }
+
+  // A text of the alphabet, or a valid text with one character changed, cut or added.
+  std::string mutate(std::string text, const std::string& alphabet) {
+    switch (below(8)) {
+      case 0:
+        text.insert(static_cast<std::size_t>(below(static_cast<int>(text.size()) + 1)), 1,
+                    character(alphabet));
+        break;
+      case 1:
+        if (!text.empty()) text[position(text)] = character(alphabet);
+        break;
+      case 2:
+        if (!text.empty()) text.erase(position(text), 1);
+        break;
+      default:
+        break;
+    }
+    return text;
+  }
+  std::string digits(int most) {
+    std::string text;
+    for (int count = below(most + 1); count > 0; --count) text += character("0123456789");
+    return text;
+  }
+  char character(const std::string& alphabet) { return alphabet[position(alphabet)]; }
+
+ private:
+  std::size_t position(const std::string& text) { return random_() % text.size(); }
+  std::mt19937_64 random_{99};
+};
+
+void expectSamePadded(long value, int width) {
+  char fast[kMaxNumberText];
+  char plain[kMaxNumberText];
+  const std::size_t length = printPaddedPlain(value, width, plain);
+  ASSERT_EQ(std::string(fast, printPadded(value, width, fast)), std::string(plain, length))
+      << value << " width " << width;
+}
+
+TEST_F(FastPaths, PaddedNumbers) {
+  for (const long value : {0L, 9L, 10L, 99L, 100L, 9999L, 10000L, -1L, -9L, -10L, -99L, LONG_MAX,
+                           LONG_MIN, 999999999999999999L, 1000000000000000000L})
+    for (int width = 0; width <= 20; ++width) expectSamePadded(value, width);
+  for (int i = 0; i < kRounds / 4; ++i) expectSamePadded(number(), below(20));
+}
+
+template <class Status, class Value>
+struct Outcome {
+  Status status;
+  Value value;
+  bool operator==(const Outcome& other) const {
+    return status == other.status && std::memcmp(&value, &other.value, sizeof value) == 0;
+  }
+};
+
+TEST_F(FastPaths, IntegersFromText) {
+  for (int i = 0; i < kRounds / 2; ++i) {
+    const std::string text =
+        mutate(below(2) == 0 ? std::to_string(number()) : digits(22), "0123456789+- .x");
+    Outcome<NumberStatus, long> fast{NumberStatus::kOk, 77};
+    Outcome<NumberStatus, long> plain = fast;
+    fast.status = parseInteger(text.c_str(), fast.value);
+    plain.status = parseIntegerPlain(text.c_str(), plain.value);
+    ASSERT_TRUE(fast == plain) << text;
+  }
+}
+
+TEST_F(FastPaths, DoublesFromText) {
+  for (int i = 0; i < kRounds / 2; ++i) {
+    char printed[64];
+    std::snprintf(printed, sizeof printed, below(2) == 0 ? "%.17g" : "%.4f",
+                  std::bit_cast<double>(next()));
+    const std::string text = mutate(
+        below(3) == 0 ? printed : digits(20) + "." + digits(25) + (below(2) == 0 ? "" : "e-3"),
+        "0123456789+-.eExnaifp ");
+    Outcome<NumberStatus, double> fast{NumberStatus::kOk, 77.0};
+    Outcome<NumberStatus, double> plain = fast;
+    fast.status = parseDouble(text.c_str(), fast.value);
+    plain.status = parseDoublePlain(text.c_str(), plain.value);
+    ASSERT_TRUE(fast == plain) << text;
+  }
+}
+
+TEST_F(FastPaths, MoneyFromAndToText) {
+  long factor = 1;
+  for (unsigned decimals = 0; decimals <= 18; ++decimals, factor *= decimals <= 18 ? 10 : 1) {
+    for (int i = 0; i < kRounds / 20; ++i) {
+      const std::string text =
+          mutate((below(2) == 0 ? "-" : "") + digits(20) + (below(3) == 0 ? "" : ".") + digits(20),
+                 "0123456789+-.  x");
+      Outcome<NumberStatus, long> fast{NumberStatus::kOk, 77};
+      Outcome<NumberStatus, long> plain = fast;
+      fast.status = parseMoney(text.c_str(), decimals, factor, fast.value);
+      plain.status = parseMoneyPlain(text.c_str(), decimals, factor, plain.value);
+      ASSERT_TRUE(fast == plain) << text << " decimals " << decimals;
+
+      const long value = i < 3 ? LONG_MIN + i : number();
+      const auto size = static_cast<std::size_t>(below(4) == 0 ? below(24) : 30);
+      char fastText[32];
+      char plainText[32];
+      std::memset(fastText, '#', sizeof fastText);
+      std::memset(plainText, '#', sizeof plainText);
+      printMoney(value, decimals, factor, fastText, size);
+      printMoneyPlain(value, decimals, factor, plainText, size);
+      ASSERT_EQ(std::memcmp(fastText, plainText, sizeof fastText), 0) << value << " size " << size;
+    }
+  }
+}
+
+void expectSameDouble(double value, std::size_t size) {
+  char fast[400];
+  char plain[400];
+  std::memset(fast, '#', sizeof fast);
+  std::memset(plain, '#', sizeof plain);
+  printDouble(value, fast, size);
+  printDoublePlain(value, plain, size);
+  ASSERT_EQ(std::memcmp(fast, plain, sizeof fast), 0)
+      << std::bit_cast<std::uint64_t>(value) << ": " << fast << " for " << plain << ", "
+      << g_decimalSize << " decimals";
+}
+
+TEST_F(FastPaths, DoublesToText) {
+  for (std::size_t decimals = 0; decimals <= 20; ++decimals) {
+    setDecimalSize(decimals);
+    for (const double edge : {0.0,
+                              0.5,
+                              1.5,
+                              2.5,
+                              0.125,
+                              0.375,
+                              1e-5,
+                              4.9e-324,
+                              9.2e18,
+                              9223372036854775807.0,
+                              1e22,
+                              1e79,
+                              1e80,
+                              1.1e80,
+                              9007199254740993.0,
+                              0.9999999999999999,
+                              999999.9999995,
+                              std::numeric_limits<double>::infinity(),
+                              std::nan(""),
+                              g_tolerance}) {
+      for (const double value : {edge, -edge, std::nextafter(edge, 0), std::nextafter(edge, 1e300)})
+        for (const std::size_t size : {399U, 12U, 1U, 0U}) expectSameDouble(value, size);
+    }
+    for (int i = 0; i < kRounds / 50; ++i) {
+      expectSameDouble(std::bit_cast<double>(next()), 399);
+      // Decimal numbers, whose digits lie close to ties, and exact ties.
+      expectSameDouble(static_cast<double>(number()) / 1e6, 399);
+      expectSameDouble(std::ldexp(static_cast<double>(number() % 1000001), -below(24)), 399);
+    }
+  }
+  setDecimalSize(6);
+}
+
+TEST_F(FastPaths, DecimalsFromText) {
+  for (int i = 0; i < kRounds; ++i) {
+    const std::string text =
+        mutate((below(2) == 0 ? "-" : "") + digits(40) + (below(3) == 0 ? "" : ".") + digits(20),
+               "0123456789+-.,  x\x80");
+    const int scale = below(64);
+    Uint128 fast = 0;
+    Uint128 plain = 0;
+    const bool isFastOk = parseDecimal(text.c_str(), scale, fast);
+    ASSERT_EQ(isFastOk, parseDecimalPlain(text.c_str(), scale, plain)) << text << " " << scale;
+    if (isFastOk) {
+      ASSERT_TRUE(fast == plain) << text << " scale " << scale;
+    }
+  }
+}
+
+TEST_F(FastPaths, DecimalsToText) {
+  for (int i = 0; i < kRounds / 2; ++i) {
+    Uint128 value = makeUint128(next(), next()) >> below(128);
+    if (below(2) == 0) value = -value;
+    if (i < 76) value = kPowersOfTen[static_cast<unsigned>(i) / 2] - static_cast<unsigned>(i % 2);
+    const auto scale = static_cast<unsigned>(below(4) == 0 ? below(256) : below(40));
+    char fast[kMaxDecimalText + 45];
+    char plain[kMaxDecimalText + 45];
+    const std::size_t length = printDecimalPlain(value, scale, plain);
+    ASSERT_EQ(std::string(fast, printDecimal(value, scale, fast)), std::string(plain, length));
+  }
+}
+
+void expectSameInstantTexts(long value) {
+  using Print = std::size_t (*)(long, bool, char*);
+  const auto print = [value](Print function, bool withZone) {
+    char text[kMaxInstantText];
+    return std::string(text, function(value, withZone, text));
+  };
+  for (const bool withZone : {false, true}) {
+    ASSERT_EQ(print(printDate, withZone), print(printDatePlain, withZone)) << value;
+    ASSERT_EQ(print(printTimeOfDay, withZone), print(printTimeOfDayPlain, withZone)) << value;
+    for (const InstantUnit* unit : {&kTimestampUnit, &kBigDateTimeUnit}) {
+      char fast[kMaxInstantText];
+      char plain[kMaxInstantText];
+      const std::size_t length = printInstantPlain(value, *unit, withZone, plain);
+      ASSERT_EQ(std::string(fast, printInstant(value, *unit, withZone, fast)),
+                std::string(plain, length))
+          << value;
+    }
+  }
+}
+
+TEST_F(FastPaths, InstantsToText) {
+  for (const long edge : {LONG_MIN, LONG_MAX - 1, 0L, -1L, -62167219201L, -62167219200L,
+                          253402300799L, 253402300800L, -62167219200001L, 253402300799999L})
+    for (const long value : {edge, edge + 1}) expectSameInstantTexts(value);
+  for (long day = -719600; day < 2932960; day += 7) expectSameInstantTexts(day * 86400 - 1);
+  for (int i = 0; i < kRounds / 20; ++i) expectSameInstantTexts(number());
+}
+
+TEST_F(FastPaths, InstantsFromText) {
+  const ScopedTimeZone utc("UTC");
+  const char* const formats[] = {"%Y-%m-%dT%H:%M:%S", "%Y-%m-%d %H:%M:%S", "%Y-%m-%dT%H:%M", "%s",
+                                 "%Y"};
+  const InstantUnit* const units[] = {&kTimestampUnit, &kBigDateTimeUnit};
+  for (int i = 0; i < kRounds / 2; ++i) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d%c%02d:%02d:%02d", 1965 + below(200), below(14),
+                  below(33), below(2) == 0 ? 'T' : ' ', below(25), below(61), below(63));
+    const std::string source =
+        mutate(text + (below(2) == 0 ? "." + digits(8) : ""), "0123456789.-: Tx\t");
+    const char* format = formats[below(8) == 0 ? below(5) : below(2)];
+    const InstantUnit& unit = *units[below(2)];
+    Outcome<InstantStatus, long> fast{InstantStatus::kOk, 77};
+    Outcome<InstantStatus, long> plain = fast;
+    fast.status = parseInstant(source.c_str(), unit, format, fast.value);
+    plain.status = parseInstantPlain(source.c_str(), unit, format, plain.value);
+    ASSERT_TRUE(fast == plain) << source << " by " << format;
+    fast.status = parseSeconds(source.c_str(), format, fast.value);
+    plain.status = parseSecondsPlain(source.c_str(), format, plain.value);
+    ASSERT_TRUE(fast == plain) << source << " by " << format;
+  }
+}
+
+TEST_F(FastPaths, Hex) {
+  for (int i = 0; i < kRounds / 10; ++i) {
+    std::vector<unsigned char> data(static_cast<std::size_t>(below(150)));
+    for (auto& byte : data) byte = static_cast<unsigned char>(next());
+    std::string fastText(data.size() * 2, '#');
+    std::string plainText = fastText;
+    encodeHex(data.data(), data.size(), fastText.data());
+    encodeHexPlain(data.data(), data.size(), plainText.data());
+    ASSERT_EQ(fastText, plainText);
+
+    for (char& c : fastText)
+      if (below(3) == 0 && c >= 'A') c = static_cast<char>(c + 32);
+    const std::string text = mutate(mutate(fastText, " \t\r\n09afAF"), "gG@`/: \n\x80\x16");
+    const std::size_t room = below(3) == 0 ? static_cast<std::size_t>(below(150)) : 150;
+    std::vector<unsigned char> fast(152, '#');
+    std::vector<unsigned char> plain(152, '#');
+    const HexResult fastResult = decodeHex(text.c_str(), fast.data(), room);
+    const HexResult plainResult = decodeHexPlain(text.c_str(), plain.data(), room);
+    ASSERT_EQ(fastResult.status, plainResult.status) << text;
+    ASSERT_EQ(fastResult.bytes, plainResult.bytes) << text;
+    ASSERT_EQ(fast, plain) << text;
+  }
+}
+
+}  // namespace
+}  // namespace DataTypes
