@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t kSlackBytes = 1024 + 1;
 // Blocks from this size on grow by half of themselves, so that a long value that arrives in many
 // pieces is not copied once a piece.
-constexpr std::size_t kGeometricFromBytes = 64 * 1024;
+constexpr std::size_t kGeometricFromBytes = std::size_t{64} * 1024;
 constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
 
 constexpr std::uint32_t kLengthFieldBytes = 4;
@@ -24,11 +24,11 @@ unsigned int lengthOf(const char* text, unsigned int count) {
 }
 
 const unsigned char* bytesOf(const char* text) {
-  return static_cast<const unsigned char*>(static_cast<const void*>(text));
+  return reinterpret_cast<const unsigned char*>(text);
 }
 
 const char* textOf(const unsigned char* bytes) {
-  return static_cast<const char*>(static_cast<const void*>(bytes));
+  return reinterpret_cast<const char*>(bytes);
 }
 
 template <typename Word>
@@ -75,7 +75,7 @@ ByteStore::~ByteStore() {
 // Sets the reported capacity, allocating when the block behind it is too small.
 bool ByteStore::reserve(std::uint64_t newCapacity) {
   if (newCapacity > kMaxBytes) return false;
-  if (newCapacity > blockBytes_) {
+  if (data_ == nullptr || newCapacity > blockBytes_) {
     std::size_t wanted = newCapacity;
     if (wanted >= kGeometricFromBytes) wanted = std::max(wanted, blockBytes_ + blockBytes_ / 2);
     void* block = std::realloc(data_, wanted);
@@ -307,7 +307,7 @@ unsigned int ByteStore::_SlamVli(unsigned int offset, unsigned int adjust, char 
   const std::uint64_t fieldEnd = std::uint64_t{offset} + kLengthFieldBytes;
   const std::uint64_t total = std::max<std::uint64_t>(fieldEnd, length_);
   const std::uint64_t notCounted[] = {0, offset, fieldEnd};
-  const std::uint64_t counted = total - notCounted[static_cast<std::size_t>(mode)];
+  const std::uint64_t counted = total - notCounted[static_cast<unsigned char>(mode)];
   const auto field = static_cast<std::uint32_t>(counted < adjust ? 0 : counted - adjust);
   return mostSignificantFirst ? SlamMi32(offset, field) : Slam32(offset, field);
 }

@@ -26,9 +26,7 @@ class ByteStore {
   const unsigned char* Data() const { return data_; }
   unsigned char* Data() { return data_; }
   // The contents as a C string; "" while there is no block.
-  const char* Text() const {
-    return data_ == nullptr ? "" : static_cast<const char*>(static_cast<const void*>(data_));
-  }
+  const char* Text() const { return data_ == nullptr ? "" : reinterpret_cast<const char*>(data_); }
   unsigned int Length() const { return length_; }
   // The room there is, terminator included, in steps that follow the contents exactly. The block
   // behind may be larger, so that many appends to a long content stay cheap.
@@ -89,6 +87,7 @@ class ByteStore {
   unsigned int SlamMiVliIncl(unsigned int offset, unsigned int adjust);
   unsigned int SlamMiVliExcl(unsigned int offset, unsigned int adjust);
   // What the six do. `mode`: 0 whole, 1 Incl, 2 Excl; any other returns 0 and writes nothing.
+  // NOLINTNEXTLINE(bugprone-reserved-identifier): the name is in use.
   unsigned int _SlamVli(unsigned int offset, unsigned int adjust, char mode,
                         bool mostSignificantFirst);
 

@@ -35,7 +35,7 @@ bool readRaw(const ByteStore& bytes, Out& out) {
   if (bytes.Capacity() < sizeof(Raw)) return false;
   Raw raw;
   std::memcpy(&raw, bytes.Data(), sizeof raw);
-  out = static_cast<Out>(raw);
+  out = static_cast<Out>(raw);  // NOLINT(bugprone-signed-char-misuse): a number, no character
   return true;
 }
 

@@ -20,14 +20,19 @@ struct ColumnSizes {
 // The most that the first piece of a long value asks for, in bytes or characters.
 inline constexpr std::int64_t kFirstPiece = 8000;
 
+enum class CharacterKind : std::uint8_t {
+  kNone,
+  kNarrow,  // the driver's decimal digits mean nothing
+  kWide,    // bytes are asked for in even numbers
+};
+
 // How a column of an SQL type is read.
 struct ColumnRule {
   SQLSMALLINT sqlType;
   SQLSMALLINT cType;
   SQLSMALLINT unsignedCType;  // when the driver calls the column unsigned
+  CharacterKind characters;
   std::int64_t (*bufferBytes)(const ColumnSizes&);
-  bool wide = false;      // bytes are asked for in even numbers
-  bool noDigits = false;  // the driver's decimal digits mean nothing
 };
 
 namespace column_bytes {
@@ -60,35 +65,41 @@ constexpr std::int64_t whole(const ColumnSizes& sizes) {
 }  // namespace column_bytes
 
 inline constexpr ColumnRule kColumnRules[] = {
-    {SQL_CHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::text, false, true},
-    {SQL_VARCHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::text, false, true},
-    {SQL_LONGVARCHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::text, false, true},
-    {SQL_WCHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::wideText, true},
-    {SQL_WVARCHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::wideText, true},
-    {SQL_WLONGVARCHAR, SQL_C_CHAR, SQL_C_CHAR, column_bytes::wideText, true},
-    {SQL_NUMERIC, SQL_C_CHAR, SQL_C_CHAR, column_bytes::numberText},
-    {SQL_DECIMAL, SQL_C_CHAR, SQL_C_CHAR, column_bytes::numberText},
-    {SQL_INTEGER, SQL_C_LONG, SQL_C_ULONG, column_bytes::fixed},
-    {SQL_SMALLINT, SQL_C_SHORT, SQL_C_USHORT, column_bytes::fixed},
-    {SQL_TINYINT, SQL_C_TINYINT, SQL_C_UTINYINT, column_bytes::fixed},
-    {SQL_BIT, SQL_C_BIT, SQL_C_BIT, column_bytes::fixed},
-    {SQL_BIGINT, SQL_C_SBIGINT, SQL_C_SBIGINT, column_bytes::fixed},
-    {SQL_FLOAT, SQL_C_DOUBLE, SQL_C_DOUBLE, column_bytes::fixed},
-    {SQL_REAL, SQL_C_DOUBLE, SQL_C_DOUBLE, column_bytes::fixed},
-    {SQL_DOUBLE, SQL_C_DOUBLE, SQL_C_DOUBLE, column_bytes::fixed},
+    {SQL_CHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kNarrow, column_bytes::text},
+    {SQL_VARCHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kNarrow, column_bytes::text},
+    {SQL_LONGVARCHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kNarrow, column_bytes::text},
+    {SQL_WCHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kWide, column_bytes::wideText},
+    {SQL_WVARCHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kWide, column_bytes::wideText},
+    {SQL_WLONGVARCHAR, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kWide, column_bytes::wideText},
+    {SQL_NUMERIC, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kNone, column_bytes::numberText},
+    {SQL_DECIMAL, SQL_C_CHAR, SQL_C_CHAR, CharacterKind::kNone, column_bytes::numberText},
+    {SQL_INTEGER, SQL_C_LONG, SQL_C_ULONG, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_SMALLINT, SQL_C_SHORT, SQL_C_USHORT, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_TINYINT, SQL_C_TINYINT, SQL_C_UTINYINT, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_BIT, SQL_C_BIT, SQL_C_BIT, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_BIGINT, SQL_C_SBIGINT, SQL_C_SBIGINT, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_FLOAT, SQL_C_DOUBLE, SQL_C_DOUBLE, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_REAL, SQL_C_DOUBLE, SQL_C_DOUBLE, CharacterKind::kNone, column_bytes::fixed},
+    {SQL_DOUBLE, SQL_C_DOUBLE, SQL_C_DOUBLE, CharacterKind::kNone, column_bytes::fixed},
     // Kept: dates are read as timestamps, and so is the time of ODBC 2.
-    {SQL_DATE, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, column_bytes::timestamp},
-    {SQL_TIME, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, column_bytes::timestamp},
-    {SQL_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, column_bytes::timestamp},
-    {SQL_TYPE_DATE, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, column_bytes::timestamp},
-    {SQL_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, column_bytes::timestamp},
-    {SQL_TYPE_TIME, SQL_C_TYPE_TIME, SQL_C_TYPE_TIME, column_bytes::time},
-    {SQL_BINARY, SQL_C_BINARY, SQL_C_BINARY, column_bytes::binary},
-    {SQL_VARBINARY, SQL_C_BINARY, SQL_C_BINARY, column_bytes::binary},
-    {SQL_LONGVARBINARY, SQL_C_BINARY, SQL_C_BINARY, column_bytes::binary},
+    {SQL_DATE, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, CharacterKind::kNone,
+     column_bytes::timestamp},
+    {SQL_TIME, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, CharacterKind::kNone,
+     column_bytes::timestamp},
+    {SQL_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, CharacterKind::kNone,
+     column_bytes::timestamp},
+    {SQL_TYPE_DATE, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, CharacterKind::kNone,
+     column_bytes::timestamp},
+    {SQL_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, SQL_C_TYPE_TIMESTAMP, CharacterKind::kNone,
+     column_bytes::timestamp},
+    {SQL_TYPE_TIME, SQL_C_TYPE_TIME, SQL_C_TYPE_TIME, CharacterKind::kNone, column_bytes::time},
+    {SQL_BINARY, SQL_C_BINARY, SQL_C_BINARY, CharacterKind::kNone, column_bytes::binary},
+    {SQL_VARBINARY, SQL_C_BINARY, SQL_C_BINARY, CharacterKind::kNone, column_bytes::binary},
+    {SQL_LONGVARBINARY, SQL_C_BINARY, SQL_C_BINARY, CharacterKind::kNone, column_bytes::binary},
 };
 
-inline constexpr ColumnRule kOtherColumnRule = {0, SQL_C_BINARY, SQL_C_BINARY, column_bytes::whole};
+inline constexpr ColumnRule kOtherColumnRule = {0, SQL_C_BINARY, SQL_C_BINARY, CharacterKind::kNone,
+                                                column_bytes::whole};
 
 constexpr const ColumnRule& columnRule(SQLSMALLINT sqlType) {
   for (const ColumnRule& rule : kColumnRules) {

@@ -51,8 +51,8 @@ Odbc::e_Status OdbcColImpl::Initialize() {
   }
 
   const ColumnRule& rule = columnRule(sqlType_);
-  wide_ = rule.wide;
-  if (rule.noDigits) decimalDigits_ = 0;
+  wide_ = rule.characters == CharacterKind::kWide;
+  if (rule.characters == CharacterKind::kNarrow) decimalDigits_ = 0;
   std::int64_t bytes = rule.bufferBytes({columnSize_, displaySize_});
   if (bytes > std::numeric_limits<int>::max()) bytes = kFirstPiece;
   SetCType(isUnsigned != SQL_FALSE ? rule.unsignedCType : rule.cType, static_cast<int>(bytes));
@@ -106,6 +106,7 @@ Odbc::e_Status OdbcColImpl::GetData(ByteStore* value) {
   return e_Ok;
 }
 
+// NOLINTNEXTLINE(bugprone-virtual-near-miss)
 Odbc::e_Status OdbcColImpl::GetData() {
   e_Status status = e_Ok;
   switch (plan_.read) {

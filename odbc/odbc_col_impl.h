@@ -27,7 +27,7 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
   }
 
   // Reads the value of the current row (SQLGetData). When that fails the cell is NULL.
-  e_Status GetData();
+  e_Status GetData();  // NOLINT(bugprone-virtual-near-miss)
 
  private:
   e_Status describe();

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iostream>
 #include <iterator>
 #include <string_view>
 
 #include "odbc/catalog_functions.h"
 #include "odbc/odbc_env_impl.h"
 #include "odbc/odbc_stmt_impl.h"
+#include "odbc/print_record.h"
 #include "odbc/sql_argument.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -154,16 +154,9 @@ OdbcCatalog* OdbcDbcImpl::ScanProcedureColumns(const char* catalog, const char* 
 
 OdbcCatalog* OdbcDbcImpl::InitCatalog(OdbcCatalogImpl* catalog) {
   if (catalog->Initialize() != e_Ok) {
-    if (HasInfo()) {
-      std::string state;
-      long nativeError = 0;
-      std::string message;
-      GetInfo(state, nativeError, message);
-      // Kept: the texts name CreateStmt; making a statement handle is what failed.
-      std::cout << "OdbcDbcImpl::CreateStmt()  state: " << state << std::endl;
-      std::cout << "OdbcDbcImpl::CreateStmt()  error: " << nativeError << std::endl;
-      std::cout << "OdbcDbcImpl::CreateStmt()  message: " << message << std::endl;
-    }
+    // Kept: the texts name CreateStmt; making a statement handle is what failed.
+    printRecord(*this, {"OdbcDbcImpl::CreateStmt()  state: ", "OdbcDbcImpl::CreateStmt()  error: ",
+                        "OdbcDbcImpl::CreateStmt()  message: "});
     delete catalog;
     return nullptr;
   }

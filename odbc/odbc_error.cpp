@@ -1,9 +1,9 @@
 #include "odbc/odbc_error.h"
 
-#include <iostream>
 #include <sstream>
 
 #include "odbc/odbc.h"
+#include "odbc/print_record.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -15,15 +15,7 @@ std::string getOdbcError(ODBC::Odbc* handle) {
 }
 
 int handleOdbcError(ODBC::Odbc* handle) {
-  if (handle->HasInfo()) {
-    std::string state;
-    long nativeError = 0;
-    std::string message;
-    handle->GetInfo(state, nativeError, message);
-    std::cout << "State: " << state << std::endl;
-    std::cout << "Error code: " << nativeError << std::endl;
-    std::cout << "Message: " << message << std::endl;
-  }
+  ODBC::printRecord(*handle, {"State: ", "Error code: ", "Message: "});
   return 1;
 }
 

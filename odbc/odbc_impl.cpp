@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "odbc/odbc_env_impl.h"
+#include "odbc/print_record.h"
 
 namespace KORVEX::Zel::DB::ODBC {
 
@@ -132,15 +133,8 @@ void OdbcImpl::DumpInfo(std::ostringstream& out) {
 }
 
 void OdbcImpl::DumpInfo(const char* prefix) {
-  if (!HasInfo()) return;
-  std::string state;
-  long nativeError = 0;
-  std::string message;
-  GetInfo(state, nativeError, message);
   const std::string start = prefix == nullptr ? "" : prefix;
-  std::cout << start << ":  state: " << state << std::endl;
-  std::cout << start << ":  error: " << nativeError << std::endl;
-  std::cout << start << ":  message: " << message << std::endl;
+  printRecord(*this, {start + ":  state: ", start + ":  error: ", start + ":  message: "});
 }
 
 bool OdbcImpl::initializeOrDelete(OdbcImpl* child, const char* failureText, bool sayWhenNoInfo) {
@@ -148,9 +142,9 @@ bool OdbcImpl::initializeOrDelete(OdbcImpl* child, const char* failureText, bool
   if (child->HasInfo()) {
     std::ostringstream record;
     child->DumpInfo(record);
-    std::cout << failureText << record.str().c_str() << std::endl;
+    std::cout << failureText << record.str().c_str() << '\n';
   } else if (sayWhenNoInfo) {
-    std::cout << failureText << "  No error info available" << std::endl;
+    std::cout << failureText << "  No error info available" << '\n';
   }
   delete child;
   return false;
