@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/parameter.h"
+#include "tests/live/quirks.h"
+
+namespace live {
+
+// A column of the table that the live tests fill.
+struct LiveColumn {
+  const char* name;
+  unsigned int type;
+  std::string sqlType;
+};
+
+// A column for every type that has values; the first one, "id", numbers the rows and is never NULL.
+std::vector<LiveColumn> liveColumns(const Quirks& quirks);
+
+// Rows of values that follow from their number alone: about one in seven NULL, the limits of the
+// types, empty texts and bytes, text in several scripts.
+class GeneratedRow {
+ public:
+  explicit GeneratedRow(const Quirks& quirks) : quirks_(quirks), columns_(liveColumns(quirks)) {}
+
+  // The row's parameters, valid until the next call.
+  const std::vector<KORVEX::Zel::DB::Parameter>& make(int number);
+
+ private:
+  void fill(unsigned int type, DataTypes::DataValue& value);
+  void fillString(DataTypes::DataValue& value);
+  void fillBinary(DataTypes::DataValue& value);
+  void fillDecimal(unsigned int type, DataTypes::DataValue& value);
+  std::uint64_t random();
+  // A random number from -limit to limit; the limits themselves come often.
+  std::int64_t upTo(std::int64_t limit);
+
+  const Quirks& quirks_;
+  std::vector<LiveColumn> columns_;
+  std::vector<KORVEX::Zel::DB::Parameter> row_;
+  std::uint64_t state_ = 0;
+  std::string text_;
+  std::vector<unsigned char> bytes_;
+};
+
+}  // namespace live
