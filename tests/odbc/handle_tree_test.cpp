@@ -57,10 +57,10 @@ TEST(HandleTree, DeletesEveryChildOnce) {
 }
 
 TEST(HandleTree, AChildAtTheAddressOfADeletedOneLives) {
-  alignas(Node) static unsigned char place[sizeof(Node)];
+  const std::unique_ptr<void, decltype(&std::free)> place(std::malloc(sizeof(Node)), std::free);
   int deletions = 0;
   Node root(nullptr);
-  Node::slot = place;
+  Node::slot = place.get();
   new Node(&root, &deletions);
   root.DeleteChildren();
   new Node(&root, &deletions);
