@@ -174,9 +174,9 @@ PreparedStatement* Connection2Odbc::createPreparedStatement(const char* sql, DBE
 
 // The registry is asked before the pointer is used: it may be anybody's.
 int Connection2Odbc::releaseStatement(PreparedStatement* statement, DBError* error) {
-  auto* own = static_cast<PreparedStatement2Odbc*>(statement);
-  const auto registered = statements_.find(own);
+  const auto registered = statements_.find(statement);
   if (registered == statements_.end()) return failAccess(error, "statement not found");
+  PreparedStatement2Odbc* own = *registered;
   if (own->close(error) != 0) return -1;
   statements_.erase(registered);
   delete own;

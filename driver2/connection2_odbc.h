@@ -15,10 +15,12 @@ class Env2Odbc;
 class PreparedStatement2Odbc;
 struct TransferPolicy;
 
-// Orders objects by their address.
-template <typename Object>
+// Orders objects by their address as a `Base`. A base pointer that may be anybody's can be looked up
+// without being taken for an object.
+template <typename Object, typename Base = Object>
 struct compare_ptr {
-  bool operator()(const Object* a, const Object* b) const { return std::less<>()(a, b); }
+  using is_transparent = void;
+  bool operator()(const Base* a, const Base* b) const { return std::less<>()(a, b); }
 };
 
 // A second-generation connection: manual commit, read committed. It owns the statements that it
@@ -79,7 +81,8 @@ class Connection2Odbc final : public Connection2 {
   const TransferPolicy& policy_;
   bool connected_ = false;
   std::map<std::string, std::string> properties_;
-  std::set<PreparedStatement2Odbc*, compare_ptr<PreparedStatement2Odbc>> statements_;
+  std::set<PreparedStatement2Odbc*, compare_ptr<PreparedStatement2Odbc, PreparedStatement>>
+      statements_;
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

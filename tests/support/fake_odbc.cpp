@@ -37,7 +37,7 @@ BoundValue readValue(const Binding& binding, std::size_t row) {
   const std::size_t stride = fixed != 0 ? fixed : static_cast<std::size_t>(binding.bufferBytes);
   const SQLLEN indicator = binding.indicators == nullptr ? SQL_NTS : binding.indicators[row];
   BoundValue value = {binding.cType, indicator, {}};
-  if (indicator == SQL_NULL_DATA) return value;
+  if (indicator == SQL_NULL_DATA || binding.data == nullptr) return value;
   const char* data = static_cast<const char*>(binding.data) + row * stride;
   std::size_t length = fixed;
   if (fixed == 0) length = indicator >= 0 ? static_cast<std::size_t>(indicator) : std::strlen(data);
@@ -87,6 +87,13 @@ bool FakeOdbc::hasLiveChildren(const Handle* handle) const {
   return std::any_of(handles_.begin(), handles_.end(), [handle](const auto& child) {
     return child->live && child->parent == handle;
   });
+}
+
+// A disconnect frees the statements.
+void FakeOdbc::freeChildren(const Handle* handle) {
+  for (const auto& own : handles_) {
+    if (own->parent == handle) own->live = false;
+  }
 }
 
 void FakeOdbc::freeHandle(Handle* handle) {

@@ -229,6 +229,7 @@ class FakeOdbc {
   Answer enter(const char* function, Handle* handle, const std::string& arguments);
   Handle* makeHandle(SQLSMALLINT type, Handle* parent);
   void freeHandle(Handle* handle);
+  void freeChildren(const Handle* handle);
   // Whether a handle is one of this object's and not freed; notes a misuse if not.
   bool check(const char* function, SQLSMALLINT type, Handle* handle);
   bool hasLiveChildren(const Handle* handle) const;

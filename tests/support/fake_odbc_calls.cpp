@@ -174,6 +174,7 @@ SQLRETURN SQLDisconnect(SQLHDBC dbc) {
   Call call("SQLDisconnect", SQL_HANDLE_DBC, dbc, "");
   if (call.refused()) return call.rc();
   if (self().hasLiveChildren(&*call)) self().misuses.push_back("disconnected with live statements");
+  self().freeChildren(&*call);
   call->connected = false;
   return call.rc();
 }

@@ -1,0 +1,167 @@
+#include <cstdlib>
+
+#include "driver2/connection2_odbc.h"
+#include "driver2/db_error2_odbc.h"
+#include "tests/driver2/driver2_fixture.h"
+
+namespace KORVEX::Zel::DB {
+namespace {
+
+using ODBC::DBError2Odbc;
+
+TEST(DBError2OdbcTest, TextsOfReturnCodes) {
+  struct Case {
+    short rc;
+    const char* text;
+  };
+  const Case kCases[] = {{0, "[0]"},
+                         {2, "[2]Still executing"},
+                         {99, "[99]Need data"},
+                         {100, "[100]No data"},
+                         {-2, "[-2]Invalid handle"},
+                         {3, "[3]Unknown error"}};
+  DBError2Odbc record("start");
+  EXPECT_STREQ(record.toString(), "start");
+  record.nativeErrorCode = 5;
+  for (const Case& c : kCases) {
+    record.processOdbcError(SQL_HANDLE_ENV, nullptr, c.rc);
+    EXPECT_STREQ(record.getErrorString(), c.text);
+    EXPECT_EQ(record.getNativeErrorCode(), 0) << c.rc;
+  }
+}
+
+class Connection2Test : public Driver2Fixture {
+ protected:
+  const DBError2Odbc& record() const { return static_cast<const DBError2Odbc&>(*error); }
+};
+
+TEST_F(Connection2Test, ClassifiesSqlStates) {
+  struct Case {
+    const char* state;
+    bool flagBefore;
+    bool flagAfter;
+  };
+  const Case kCases[] = {{"HY000", false, false}, {"HY000", true, true},  {"08003", false, true},
+                         {"08007", false, true},  {"08S01", false, true}, {"08001", false, false},
+                         {"42000", true, true}};
+  open(false);
+  for (const Case& c : kCases) {
+    auto& writable = static_cast<DBError2Odbc&>(*error);
+    writable.connectionError = c.flagBefore;
+    writable.service = "kept";
+    odbc.answer("SQLEndTran", failing(c.state));
+    EXPECT_EQ(connection->commit(error), -1);
+    EXPECT_EQ(said(), std::string("odbc|[-1][") + c.state + "]no");
+    EXPECT_EQ(record().getNativeErrorCode(), 7);
+    EXPECT_STREQ(record().sqlState, c.state);
+    EXPECT_EQ(error->isConnectionError(), c.flagAfter) << c.state;
+    EXPECT_STREQ(error->getService(), "kept");
+    EXPECT_FALSE(error->isSuccessWithInfo());
+  }
+  odbc.answer("SQLEndTran", fake::failureWithoutRecord());
+  EXPECT_EQ(connection->rollback(error), -1);
+  EXPECT_EQ(said(), "odbc|[-1][]");
+}
+
+TEST_F(Connection2Test, ConnectsOnceWithItsProperties) {
+  make(false);
+  EXPECT_EQ(odbc.takeLog(),
+            (Strings{"SQLAllocHandle(1)", "SQLSetEnvAttr(200,3,-5)", "SQLAllocHandle(2)",
+                     "SQLSetConnectAttr(102,0,-5)", "SQLSetConnectAttr(108,2,-5)"}));
+  EXPECT_STREQ(connection->getImplementationName(), "generic odbc v2.0.0");
+  EXPECT_STREQ(connection->getService(), "service");
+  EXPECT_EQ(connection->disconnect(false, error), 0);
+  EXPECT_EQ(prepare("q"), nullptr);
+  EXPECT_EQ(said(), "dbaccess|not connected");
+  EXPECT_TRUE(error->isConnectionError());
+  EXPECT_EQ(connection->commit(error), -1);
+  EXPECT_EQ(connection->rollback(error), -1);
+  EXPECT_EQ(connection->connect(error), 0);
+  EXPECT_EQ(connection->connect(error), 0);
+  EXPECT_EQ(odbc.takeLog(), (Strings{"SQLConnect(\"fake\",\"u\",\"p\")"}));
+  auto* own = static_cast<ODBC::Connection2Odbc*>(connection);
+  EXPECT_EQ(connection->disconnect(true, error), 0);
+  own->clearProperties();
+  EXPECT_EQ(connection->connect(error), 0);
+  EXPECT_EQ(odbc.takeLog().back(), "SQLConnect(\"fake\",\"u\",\"\")");
+}
+
+TEST_F(Connection2Test, SetsTheProcessZoneToUtc) {
+  setenv("TZ", "UTC-5", 1);
+  tzset();
+  make(false);
+  EXPECT_STREQ(getenv("TZ"), "UTC");
+  EXPECT_EQ(timezone, 0);
+}
+
+TEST_F(Connection2Test, DisconnectsInTheOrderOfItsMode) {
+  for (const bool safe : {false, true}) {
+    open(safe);
+    ASSERT_NE(prepare("u"), nullptr);
+    odbc.takeLog();
+    odbc.answer("SQLDisconnect", failing("25000"));
+    EXPECT_EQ(connection->disconnect(false, error), -1);
+    EXPECT_EQ(said(), "odbc|[-1][25000]no");
+    EXPECT_EQ(odbc.takeLog().back(), "SQLDisconnect()");
+    int count = 0;
+    PreparedStatement* statement = prepare("v ?");
+    ASSERT_NE(statement, nullptr);  // still connected
+    EXPECT_EQ(statement->getNumberParameters(count, error), 0);
+    EXPECT_EQ(count, 1);
+    odbc.takeLog();
+    EXPECT_EQ(connection->disconnect(false, error), 0);
+    EXPECT_EQ(odbc.takeLog().front(), safe ? "SQLFreeStmt(0)" : "SQLDisconnect()");
+    EXPECT_EQ(connection->connect(error), 0);
+    ASSERT_NE(prepare("u"), nullptr);
+    odbc.takeLog();
+    odbc.answer("SQLEndTran", failing());
+    odbc.answer("SQLDisconnect", failing());
+    EXPECT_EQ(connection->disconnect(true, error), 0);
+    const Strings calls = odbc.takeLog();
+    EXPECT_EQ(calls.front(), safe ? "SQLFreeStmt(0)" : "SQLEndTran(2,1)");
+    close();
+    odbc.misuses.clear();
+  }
+}
+
+TEST_F(Connection2Test, ReleasesOnlyItsOwnStatements) {
+  open(false);
+  PreparedStatement* statement = prepare("u");
+  odbc.takeLog();
+  odbc.answer("SQLFreeStmt", failing());
+  EXPECT_EQ(connection->releaseStatement(statement, error), -1);
+  EXPECT_EQ(said(), "odbc|[-1][42000]no");
+  odbc.takeLog();
+  EXPECT_EQ(connection->releaseStatement(statement, error), 0);
+  EXPECT_EQ(odbc.takeLog(),
+            (Strings{"SQLFreeStmt(0)", "SQLFreeStmt(2)", "SQLFreeStmt(3)", "SQLFreeStmt(0)",
+                     "SQLFreeStmt(2)", "SQLFreeStmt(3)", "SQLFreeHandle(3)"}));
+  EXPECT_EQ(connection->releaseStatement(statement, error), -1);
+  EXPECT_EQ(said(), "dbaccess|statement not found");
+  EXPECT_EQ(connection->createPreparedStatement("q", nullptr, false, error), nullptr);
+  EXPECT_EQ(said(), "dbaccess|not implemented");
+}
+
+TEST_F(Connection2Test, WarningsFailPlainlyAndPassSafely) {
+  for (const bool safe : {true, false}) {
+    make(safe);
+    odbc.answer("SQLConnect", {SQL_SUCCESS_WITH_INFO, {{"01000", 1, "warned"}}});
+    EXPECT_EQ(connection->connect(error), safe ? 0 : -1);
+    EXPECT_EQ(said(), safe ? "|" : "odbc|[1][01000]warned");
+    close();
+  }
+}
+
+TEST_F(Connection2Test, AnEnvironmentThatFailedStays) {
+  odbc.answer("SQLSetEnvAttr", failing());
+  make(false);
+  EXPECT_EQ(connection, nullptr);
+  EXPECT_STREQ(error->getErrorString(), "[-1][42000]no");
+  EXPECT_STREQ(error->getErrorSource(), "");
+  odbc.takeLog();
+  make(false);
+  EXPECT_EQ(odbc.takeLog().front(), "SQLAllocHandle(2)");
+}
+
+}  // namespace
+}  // namespace KORVEX::Zel::DB

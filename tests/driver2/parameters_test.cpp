@@ -1,0 +1,244 @@
+#include <cstring>
+
+#include "datatypes/data_types.h"
+#include "tests/driver2/driver2_fixture.h"
+
+namespace KORVEX::Zel::DB {
+namespace {
+
+using namespace DataTypes;
+
+template <typename Struct>
+std::string raw(const Struct& value) {
+  return {reinterpret_cast<const char*>(&value), sizeof value};
+}
+
+DataValue int64Cell(long value) {
+  DataValue cell;
+  cell.int64 = value;
+  return cell;
+}
+
+DataValue stringCell(const char* text) {
+  DataValue cell;
+  cell.string = text;
+  return cell;
+}
+
+DataValue nullCell() {
+  DataValue cell;
+  cell.setNull();
+  return cell;
+}
+
+// A packed row of values in their packed form; no bytes and no value is NULL.
+class PackedRow {
+ public:
+  explicit PackedRow(const std::vector<const std::string*>& values) {
+    const std::size_t tableEnd = RowInternal2::kHeaderBytes + (values.size() + 1) * 4;
+    bytes_.resize(tableEnd + 4);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      setOffset(i, values[i] == nullptr ? 0 : static_cast<int>(bytes_.size()));
+      if (values[i] != nullptr) bytes_ += *values[i];
+    }
+    setOffset(values.size(), static_cast<int>(bytes_.size()));
+  }
+  const RowInternal2* get() const {
+    return static_cast<const RowInternal2*>(static_cast<const void*>(bytes_.data()));
+  }
+
+ private:
+  void setOffset(std::size_t column, int offset) {
+    std::memcpy(&bytes_[RowInternal2::kHeaderBytes + column * 4], &offset, 4);
+  }
+  std::string bytes_;
+};
+
+class ParametersTest : public Driver2Fixture {
+ protected:
+  const std::vector<fake::BoundValue>& lastRow() { return odbc.executions.back().rows.at(0); }
+
+  // The C type, SQL type, size, digits and buffer length of each SQLBindParameter.
+  Strings bindings() {
+    Strings result;
+    for (const std::string& line : odbc.takeLog()) {
+      if (line.starts_with("SQLBindParameter")) result.push_back(line);
+    }
+    return result;
+  }
+};
+
+TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
+  struct Case {
+    const char* name;
+    unsigned type;
+    std::string packed;
+    SQLSMALLINT cType;
+    std::string bytes;
+    SQLLEN length;
+  };
+  const TIMESTAMP_STRUCT kBefore = {1969, 12, 31, 23, 59, 59, 999000000};
+  const TIMESTAMP_STRUCT kBeforeMicros = {1969, 12, 31, 23, 59, 59, 999999000};
+  const TIMESTAMP_STRUCT kLeapDay = {2000, 2, 29, 0, 0, 0, 0};
+  const TIME_STRUCT kLate = {23, 59, 59};
+  const FixedDecimalValue kDecimal = {~0UL, ~0UL - 4, 3, 10};
+  const Case kCases[] = {
+      {"integer", kInteger, raw(-70000), SQL_C_SLONG, raw(-70000), 0},
+      {"long", kLong, raw(1L << 40), SQL_C_SBIGINT, raw(1L << 40), 0},
+      {"float", kFloat, raw(0.1), SQL_C_DOUBLE, raw(0.1), 0},
+      {"boolean", kBoolean, "\x01", SQL_C_BIT, "\x01", 0},
+      {"interval", kInterval, raw(-2L), SQL_C_SBIGINT, raw(-2L), 0},
+      {"date", kDate, raw(951782400L), SQL_C_TYPE_TIMESTAMP, raw(kLeapDay), 16},
+      {"timestamp", kTimestamp, raw(-1L), SQL_C_TYPE_TIMESTAMP, raw(kBefore), 16},
+      {"bigdatetime", kBigDateTime, raw(-1L), SQL_C_TYPE_TIMESTAMP, raw(kBeforeMicros), 16},
+      {"time", kTime, raw(86399L), SQL_C_TYPE_TIME, raw(kLate), 6},
+      {"string", kString, std::string("h\xC3\xA9\0", 4), SQL_C_CHAR, "h\xC3\xA9", 3},
+      {"empty string", kString, std::string(1, '\0'), SQL_C_CHAR, "", 0},
+      {"money", kMoney, raw(-12345L), SQL_C_CHAR, "-1.2345", 7},
+      {"money(2)", 12, raw(5L), SQL_C_CHAR, "0.05", 4},
+      {"decimal", createFixedDecimal(10, 3), raw(kDecimal), SQL_C_CHAR, "-0.005", 6},
+      {"binary", kBinary, std::string("\0\0\0\3a\0b", 7), SQL_C_BINARY, std::string("a\0b", 3), 3},
+      {"empty binary", kBinary, std::string(4, '\0'), SQL_C_BINARY, "", 0},
+  };
+  for (const bool safe : {false, true}) {
+    open(safe);
+    odbc.params["u ?"] = {{SQL_VARCHAR, 77, 5, SQL_NULLABLE}};
+    PreparedStatement* statement = prepare("u ?");
+    ASSERT_NE(statement, nullptr);
+    for (const Case& c : kCases) {
+      std::vector<int> columns = {1};
+      Types types = {c.type};
+      ASSERT_EQ(statement->setBindings(columns, types.data(), error), 0);
+      const std::string ignored = "?";
+      const PackedRow packed({&ignored, &c.packed});
+      ASSERT_EQ(statement->execute(packed.get(), error), 0) << c.name << error->getErrorString();
+      EXPECT_EQ(lastRow().at(0).cType, c.cType) << c.name;
+      EXPECT_EQ(lastRow().at(0).bytes, c.bytes) << c.name;
+      EXPECT_EQ(lastRow().at(0).indicator, c.length) << c.name;
+      Cells cells(1);
+      std::string copy = c.packed;
+      unpackValue(c.type, reinterpret_cast<unsigned char*>(copy.data()), cells[0]);
+      ASSERT_EQ(statement->execute(cells, types, error), 0) << c.name << error->getErrorString();
+      EXPECT_EQ(lastRow().at(0).bytes, c.bytes) << c.name;
+    }
+    const std::string line = bindings().back();
+    EXPECT_EQ(line.substr(0, 30), "SQLBindParameter(1,1,-2,12,77,") << line;
+    close();
+  }
+}
+
+TEST_F(ParametersTest, OneIndicatorServesAllUnlessSafe) {
+  for (const bool safe : {false, true}) {
+    open(safe);
+    PreparedStatement* statement = prepare("u ?,?,?");
+    std::vector<int> columns = {0, 1, 2};
+    Types types = {kString, kInteger, kString};
+    ASSERT_EQ(statement->setBindings(columns, types.data(), error), 0);
+    const std::string text("abc\0", 4);
+    const std::string number = raw(5);
+    EXPECT_EQ(statement->execute(PackedRow({&text, &number, nullptr}).get(), error), 0);
+    EXPECT_EQ(lastRow()[0].isNull(), !safe);
+    EXPECT_EQ(lastRow()[1].isNull(), !safe);
+    EXPECT_TRUE(lastRow()[2].isNull());
+    EXPECT_EQ(statement->execute(PackedRow({&text, nullptr, &text}).get(), error), 0);
+    EXPECT_EQ(lastRow()[0].bytes, "abc");
+    EXPECT_EQ(lastRow()[1].isNull(), safe);
+    Cells cells = {stringCell("ab"), nullCell(), stringCell("")};
+    EXPECT_EQ(statement->execute(cells, types, error), 0);
+    EXPECT_EQ(lastRow()[0].bytes, safe ? "ab" : "");
+    EXPECT_EQ(lastRow()[1].isNull(), safe);
+    close();
+  }
+}
+
+TEST_F(ParametersTest, SixteenBitIntegersAreBoundOnlySafely) {
+  DataValue value;
+  value.int16 = -7;
+  for (const bool safe : {false, true}) {
+    open(safe);
+    PreparedStatement* statement = prepare("u ?");
+    Cells cells = {value};
+    Types types = {kInt16};
+    statement->execute(cells, types, error);
+    EXPECT_EQ(bindings().back().substr(0, 24),
+              safe ? "SQLBindParameter(1,1,-15" : "SQLBindParameter(1,1,0,1");
+    close();
+  }
+}
+
+TEST_F(ParametersTest, RefusesWhatDoesNotFit) {
+  open(false);
+  PreparedStatement* none = prepare("u");
+  PreparedStatement* two = prepare("u ?,?");
+  std::vector<int> columns = {0};
+  Types types = {kInteger, kDate};
+  EXPECT_EQ(two->setBindings(columns, types.data(), error), -1);
+  EXPECT_EQ(said(), "dbaccess|Invalid number of columns");
+  EXPECT_EQ(two->execute(PackedRow({}).get(), error), -1);
+  EXPECT_EQ(said(), "dbaccess|No param binding in effect");
+  EXPECT_EQ(two->execute(error), -1);
+  EXPECT_EQ(said(), "dbaccess|unbound parameter(s)");
+  EXPECT_EQ(two->execute(static_cast<const RowInternal2**>(nullptr), error), -1);
+  EXPECT_EQ(said(), "dbaccess|not implemented");
+  Cells one = {int64Cell(1)};
+  EXPECT_EQ(two->execute(one, types, error), -1);
+  EXPECT_EQ(said(), "dbaccess|param count mismatch");
+  EXPECT_EQ(none->execute(error), 0);
+  columns = {0, 1};
+  ASSERT_EQ(two->setBindings(columns, types.data(), error), 0);
+  const std::string number = raw(1L);
+  const std::string farAway = raw(9223372036854775807L);
+  EXPECT_EQ(two->execute(PackedRow({&number, &farAway}).get(), error), -1);
+  EXPECT_EQ(said(), "dbaccess|error converting date");
+  EXPECT_EQ(two->execute(PackedRow({&number, &number}).get(), error), -1);
+  EXPECT_EQ(said(), "dbaccess|No param binding in effect");  // the failed binding has closed it
+}
+
+TEST_F(ParametersTest, JudgesExecutionsByMode) {
+  for (const bool safe : {true, false}) {
+    open(safe);
+    PreparedStatement* statement = prepare("u");
+    for (const int rc : {SQL_NO_DATA, SQL_SUCCESS_WITH_INFO}) {
+      odbc.answer("SQLExecute", {static_cast<SQLRETURN>(rc), {}});
+      EXPECT_EQ(statement->execute(error), safe ? 0 : -1) << rc;
+    }
+    odbc.answer("SQLExecute", failing("08S01"));
+    EXPECT_EQ(statement->execute(error), -1);
+    EXPECT_EQ(said(), "odbc|[-1][08S01]no");
+    close();
+  }
+}
+
+TEST_F(ParametersTest, AnOpenCursorIsClosedOnlySafely) {
+  odbc.results["q"] = {{{{"c", SQL_INTEGER, 10}}, {{fake::Cell::of(1)}}}};
+  for (const bool safe : {false, true}) {
+    open(safe);
+    PreparedStatement* statement = prepare("q");
+    EXPECT_EQ(statement->execute(error), 0);
+    odbc.takeLog();
+    statement->execute(error);
+    EXPECT_EQ(odbc.takeLog().front(), safe ? "SQLFreeStmt(0)" : "SQLExecute()");
+    close();
+  }
+}
+
+TEST_F(ParametersTest, EveryCallOfThePreparationFails) {
+  const Strings kCalls = {"SQLAllocHandle",   "SQLPrepare",       "SQLNumParams",
+                          "SQLDescribeParam", "SQLNumResultCols", "SQLDescribeCol"};
+  open(false);
+  odbc.results["q ?"] = {{{{"c", SQL_INTEGER, 10}}, {}}};
+  for (const std::string& call : kCalls) {
+    for (const int rc : {SQL_ERROR, SQL_SUCCESS_WITH_INFO, SQL_NO_DATA, SQL_INVALID_HANDLE}) {
+      odbc.answer(call, {static_cast<SQLRETURN>(rc), {}});
+      EXPECT_EQ(prepare("q ?"), nullptr) << call << rc;
+      EXPECT_EQ(said().substr(0, 6), "odbc|[") << call;
+      EXPECT_EQ(odbc.liveHandles().size(), 2u) << call << rc;
+    }
+  }
+  EXPECT_EQ(prepare("q ?", {kInteger, kInteger}), nullptr);
+  EXPECT_EQ(said(), "dbaccess|specified column count does not match query");
+  EXPECT_NE(prepare("q ?", {kInteger}), nullptr);
+}
+
+}  // namespace
+}  // namespace KORVEX::Zel::DB
