@@ -20,7 +20,8 @@ constexpr std::uint64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint32_t kLengthFieldBytes = 4;
 
 unsigned int lengthOf(const char* text, unsigned int count) {
-  return count == ByteStore::kUntilNul ? static_cast<unsigned int>(std::strlen(text)) : count;
+  if (count != ByteStore::kUntilNul) return count;
+  return text == nullptr ? 0 : static_cast<unsigned int>(std::strlen(text));
 }
 
 const unsigned char* bytesOf(const char* text) {

@@ -18,6 +18,9 @@ namespace {
 struct DatabaseKeyword {
   std::string_view keyword;  // in the upper-case name that the driver gives
   const char* databaseType;
+  // The driver sends arrays row by row once it has described the parameters, and in one go again
+  // when the text is prepared anew.
+  bool preparesArraysTwice = false;
 };
 
 // The first keyword found anywhere in the name decides.
@@ -27,13 +30,13 @@ constexpr DatabaseKeyword kDatabaseKeywords[] = {
     {"KORVEX WH", "WH"},
     {"DB2", "DB2"},
     {"ORACLE", "ORACLE"},
-    {"POSTGRESQL", "POSTGRESQL"},
+    {"POSTGRESQL", "POSTGRESQL", true},
     {"MYSQL", "MYSQL"},
     // Kept: the next row covers this one; both names are in use.
     {"VLTODBC", "VELTA"},
     {"VLT", "VELTA"},
 };
-constexpr const char* kOtherDatabase = "OTHERS";
+constexpr DatabaseKeyword kOtherDatabase = {"", "OTHERS"};
 
 constexpr SQLSMALLINT kDbmsNameBytes = 256;
 
@@ -106,7 +109,9 @@ void OdbcDbcImpl::SetDatabaseType(const std::string& dbmsName) {
   const auto* found = std::find_if(
       std::begin(kDatabaseKeywords), std::end(kDatabaseKeywords),
       [&upper](const DatabaseKeyword& row) { return upper.find(row.keyword) != upper.npos; });
-  databaseType_ = found == std::end(kDatabaseKeywords) ? kOtherDatabase : found->databaseType;
+  const DatabaseKeyword& row = found == std::end(kDatabaseKeywords) ? kOtherDatabase : *found;
+  databaseType_ = row.databaseType;
+  preparesArraysTwice_ = row.preparesArraysTwice;
 }
 
 Odbc::e_Status OdbcDbcImpl::Disconnect() {

@@ -48,6 +48,8 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
   void IsConnected(bool connected) { connected_ = connected; }
   // Classifies the product by the name that its driver gives.
   void SetDatabaseType(const std::string& dbmsName);
+  // Whether a batch is prepared once more after its parameters were described, for speed.
+  bool preparesArraysTwice() const { return preparesArraysTwice_; }
 
  private:
   e_Status setIntegerAttribute(SQLINTEGER attribute, unsigned int value);
@@ -59,6 +61,7 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
   OdbcEnvImpl* env_;
   bool connected_ = false;
   std::string databaseType_;
+  bool preparesArraysTwice_ = false;
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -154,8 +154,10 @@ Odbc::e_Status OdbcParamArrayImpl::SetData(unsigned int typeCode, const DataType
   variableLength_ = true;
   const std::int32_t given =
       content->binary ? narrowed<std::int32_t>(content->bytes.size()) : std::int32_t{SQL_NTS};
-  return appendCollected(content->bytes, !content->binary,
-                         isNull ? std::int32_t{SQL_NULL_DATA} : given);
+  const e_Status status = appendCollected(content->bytes, !content->binary,
+                                          isNull ? std::int32_t{SQL_NULL_DATA} : given);
+  if (status == e_Ok) variableLength_ = true;
+  return status;
 }
 
 // The width of a row in what is bound, which is also the buffer length that tells the driver so.

@@ -33,6 +33,8 @@ class OdbcQueryImpl : public OdbcImpl, public virtual OdbcQuery {
   OdbcCol* GetColumn(int column) override;
 
  protected:
+  const OdbcDbcImpl& dbc() const { return *dbc_; }
+
   // Makes the column objects of a result set, once; all of them or none.
   e_Status CreateColumns();
   // Unbinds and deletes them. The diagnostics are left alone.

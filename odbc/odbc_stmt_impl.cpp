@@ -1,6 +1,7 @@
 #include "odbc/odbc_stmt_impl.h"
 
 #include "odbc/narrowed.h"
+#include "odbc/odbc_dbc_impl.h"
 #include "odbc/odbc_param_array_impl.h"
 #include "odbc/odbc_param_impl.h"
 #include "odbc/sql_argument.h"
@@ -26,13 +27,21 @@ Odbc::e_Status OdbcStmtImpl::Parse() {
 
 Odbc::e_Status OdbcStmtImpl::Prepare(bool batch) {
   if (prepared_) return e_Ok;
-  e_Status status = GetStatus(this, SQLPrepare(GetHandle(), inputText(sql_.c_str()), SQL_NTS));
+  e_Status status = prepareText();
   if (status == e_Ok) status = CreateParams(batch);
+  if (status == e_Ok && batch && params_.size() > 1 && dbc().preparesArraysTwice()) {
+    status = prepareText();
+    if (status != e_Ok) DeleteParams();
+  }
   if (status != e_Ok) return status;
   prepared_ = true;
   batchMode_ = batch;
   batchSize_ = 0;
   return e_Ok;
+}
+
+Odbc::e_Status OdbcStmtImpl::prepareText() {
+  return GetStatus(this, SQLPrepare(GetHandle(), inputText(sql_.c_str()), SQL_NTS));
 }
 
 Odbc::e_Status OdbcStmtImpl::Unprepare() {

@@ -38,6 +38,7 @@ class OdbcStmtImpl final : public OdbcQueryImpl, public OdbcStmt {
   void Unbind();
 
  private:
+  e_Status prepareText();
   e_Status CreateParams(bool batch);
   e_Status DeleteParams();
   // Says how the arrays lie. `bindParameters` is cleared when the driver will not have arrays.

@@ -200,6 +200,23 @@ TEST_F(Batch, BindsAndReportsEveryRow) {
   EXPECT_EQ(size, 66);
 }
 
+TEST_F(Batch, PreparesTwiceWhereDescribingSlowsArrays) {
+  for (const char* name : {"PostgreSQL", "MySQL"}) {
+    SCOPED_TRACE(name);
+    fake_.dbmsName = name;
+    connect();
+    stmt_ = dbc_->CreateStmt();
+    const auto prepares = [this](const char* sql, bool batch) {
+      const int before = fake_.calls("SQLPrepare");
+      EXPECT_EQ(stmt_->SetSql(sql, batch), Odbc::e_Ok);
+      return fake_.calls("SQLPrepare") - before;
+    };
+    EXPECT_EQ(prepares("insert ?", true), name == std::string("PostgreSQL") ? 2 : 1);
+    EXPECT_EQ(prepares("insert ?", false), 1);
+    EXPECT_EQ(prepares("insert", true), 1);
+  }
+}
+
 TEST_F(Batch, RefusedLayouts) {
   struct Case {
     int attribute;  // which of the three is refused
