@@ -15,8 +15,8 @@ class Env2Odbc;
 class PreparedStatement2Odbc;
 struct TransferPolicy;
 
-// Orders objects by their address as a `Base`. A base pointer that may be anybody's can be looked up
-// without being taken for an object.
+// Orders objects by their address as a `Base`. A base pointer that may be anybody's can be looked
+// up without being taken for an object.
 template <typename Object, typename Base = Object>
 struct compare_ptr {
   using is_transparent = void;
