@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -203,20 +204,18 @@ const char* parseFixedDecimal(const Parsing& p, DataValue& cell) {
   return nullptr;
 }
 
-// Null: strings and binaries have no fixed size, other codes no value.
 struct ParserRow {
   TypeFamily family;
   Parser parse;
 };
 
-constexpr ParserRow kParsers[] = {
-    {TypeFamily::kNone, nullptr},
+// Strings and binaries have no fixed size, other codes no value.
+constexpr ParserRow kParserRows[] = {
     {TypeFamily::kInt16, parseInt16},
     {TypeFamily::kInt32, parseInt32},
     {TypeFamily::kInt64, parseInt64<kLongMessages>},
     {TypeFamily::kDouble, parseFloat},
     {TypeFamily::kDate, parseDate},
-    {TypeFamily::kString, nullptr},
     {TypeFamily::kMoney, parseMoneyValue},
     {TypeFamily::kTimestamp, parseTimestamp},
     {TypeFamily::kBoolean, parseBoolean},
@@ -224,20 +223,21 @@ constexpr ParserRow kParsers[] = {
     {TypeFamily::kBigDateTime, parseBigDateTime},
     {TypeFamily::kTime, parseTime},
     {TypeFamily::kFixedDecimal, parseFixedDecimal},
-    {TypeFamily::kBinary, nullptr},
 };
 
-constexpr bool areParsersInOrder() {
-  std::size_t i = 0;
-  for (const ParserRow& row : kParsers)
-    if (row.family != static_cast<TypeFamily>(i++)) return false;
-  return i == static_cast<std::size_t>(TypeFamily::kBinary) + 1;
-}
-static_assert(areParsersInOrder());
+// The parser of each type number.
+constexpr auto kParsers = [] {
+  std::array<Parser, kTypeCount> parsers{};
+  for (unsigned type = 0; type < kTypeCount; ++type)
+    for (const ParserRow& row : kParserRows)
+      if (row.family == kTypeTable[type].family) parsers[type] = row.parse;
+  return parsers;
+}();
 
 // Reads a value of fixed size into a zeroed cell; returns null or the message.
 const char* parseFixedSize(const Parsing& p, DataValue& cell) {
-  const Parser parse = kParsers[static_cast<std::size_t>(familyOf(p.type))].parse;
+  const unsigned number = typeNumber(p.type);
+  const Parser parse = number < kTypeCount ? kParsers[number] : nullptr;
   return parse != nullptr ? parse(p, cell) : kUnknownType;
 }
 

@@ -1,3 +1,4 @@
+#include <array>
 #include <cstring>
 
 #include "datatypes/conversions.h"
@@ -26,12 +27,22 @@ struct Printing {
   }
 
   void put(const char* text, std::size_t length) const { copyText(text, length, out, outSize); }
+
+  // Writes a text of at most `Max` characters; `print` is given that much room.
+  template <std::size_t Max, class Print>
+  void putDirectly(Print print) const {
+    if (outSize > Max) {
+      out[print(out)] = '\0';
+      return;
+    }
+    char text[Max];
+    put(text, print(text));
+  }
 };
 
 template <class Number>
 void printInteger(const Printing& p) {
-  char text[kMaxNumberText];
-  p.put(text, printPadded(p.load<Number>(), 0, text));
+  p.putDirectly<kMaxNumberText>([&p](char* out) { return printPadded(p.load<Number>(), 0, out); });
 }
 
 void printFloat(const Printing& p) {
@@ -39,24 +50,26 @@ void printFloat(const Printing& p) {
 }
 
 void printDateValue(const Printing& p) {
-  char text[kMaxInstantText];
   const long seconds = g_dateSize == 4 ? p.load<std::int32_t>() : p.load<std::int64_t>();
-  p.put(text, printDate(seconds, p.withZone, text));
+  p.putDirectly<kMaxInstantText>(
+      [&p, seconds](char* out) { return printDate(seconds, p.withZone, out); });
 }
 
 void printTimestamp(const Printing& p) {
-  char text[kMaxInstantText];
-  p.put(text, printInstant(p.load<std::int64_t>(), kTimestampUnit, p.withZone, text));
+  p.putDirectly<kMaxInstantText>([&p](char* out) {
+    return printInstant(p.load<std::int64_t>(), kTimestampUnit, p.withZone, out);
+  });
 }
 
 void printBigDateTime(const Printing& p) {
-  char text[kMaxInstantText];
-  p.put(text, printInstant(p.load<std::int64_t>(), kBigDateTimeUnit, p.withZone, text));
+  p.putDirectly<kMaxInstantText>([&p](char* out) {
+    return printInstant(p.load<std::int64_t>(), kBigDateTimeUnit, p.withZone, out);
+  });
 }
 
 void printTime(const Printing& p) {
-  char text[kMaxInstantText];
-  p.put(text, printTimeOfDay(p.load<std::int64_t>(), p.withZone, text));
+  p.putDirectly<kMaxInstantText>(
+      [&p](char* out) { return printTimeOfDay(p.load<std::int64_t>(), p.withZone, out); });
 }
 
 void printBoolean(const Printing& p) {
@@ -81,20 +94,18 @@ void printFixedDecimal(const Printing& p) {
 
 using Printer = void (*)(const Printing&);
 
-// Null: nothing is written.
 struct PrinterRow {
   TypeFamily family;
   Printer print;
 };
 
-constexpr PrinterRow kPrinters[] = {
-    {TypeFamily::kNone, nullptr},
+// Families that are not here have no text.
+constexpr PrinterRow kPrinterRows[] = {
     {TypeFamily::kInt16, printInteger<std::int16_t>},
     {TypeFamily::kInt32, printInteger<std::int32_t>},
     {TypeFamily::kInt64, printInteger<std::int64_t>},
     {TypeFamily::kDouble, printFloat},
     {TypeFamily::kDate, printDateValue},
-    {TypeFamily::kString, nullptr},
     {TypeFamily::kMoney, printMoneyValue},
     {TypeFamily::kTimestamp, printTimestamp},
     {TypeFamily::kBoolean, printBoolean},
@@ -102,22 +113,23 @@ constexpr PrinterRow kPrinters[] = {
     {TypeFamily::kBigDateTime, printBigDateTime},
     {TypeFamily::kTime, printTime},
     {TypeFamily::kFixedDecimal, printFixedDecimal},
-    {TypeFamily::kBinary, nullptr},
 };
 
-constexpr bool arePrintersInOrder() {
-  std::size_t i = 0;
-  for (const PrinterRow& row : kPrinters)
-    if (row.family != static_cast<TypeFamily>(i++)) return false;
-  return i == static_cast<std::size_t>(TypeFamily::kBinary) + 1;
-}
-static_assert(arePrintersInOrder());
+// The printer of each type number.
+constexpr auto kPrinters = [] {
+  std::array<Printer, kTypeCount> printers{};
+  for (unsigned type = 0; type < kTypeCount; ++type)
+    for (const PrinterRow& row : kPrinterRows)
+      if (row.family == kTypeTable[type].family) printers[type] = row.print;
+  return printers;
+}();
 
 }  // namespace
 
 void convertToString(const unsigned int& type, bool swap, bool withZone, unsigned char* packed,
                      char* out, std::size_t outSize) {
-  const Printer print = kPrinters[static_cast<std::size_t>(familyOf(type))].print;
+  const unsigned number = typeNumber(type);
+  const Printer print = number < kTypeCount ? kPrinters[number] : nullptr;
   if (print != nullptr && packed != nullptr) print({type, swap, withZone, packed, out, outSize});
 }
 

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "datatypes/characters.h"
-#include "datatypes/digit_pairs.h"
+#include "datatypes/digit_words.h"
 
 namespace DataTypes {
 namespace {
@@ -100,51 +101,28 @@ std::size_t placePoint(bool isNegative, const char* digits, std::size_t count, u
   return static_cast<std::size_t>(at - out);
 }
 
-// Writes the digits of a magnitude without leading zeros, none for 0; returns how many.
-std::size_t putDigits(Uint128 magnitude, char* out) {
-  constexpr std::uint64_t kTen16 = 10000000000000000;
-  constexpr std::uint64_t kTen19 = kTen16 * 1000;
-  if (highWord(magnitude) == 0 && lowWord(magnitude) < kTen19) {
-    const std::uint64_t word = lowWord(magnitude);
-    return word != 0 ? static_cast<std::size_t>(putNumber(out, word) - out) : 0;
-  }
-  // Both parts of up to 2^127 fit a word.
-  const auto upper = static_cast<std::uint64_t>(magnitude / kTen19);
-  const std::uint64_t lower = lowWord(magnitude) - upper * kTen19;
-  char* at = putNumber(out, upper);
-  at = putFixed(at, lower / kTen16, 3);
-  return static_cast<std::size_t>(putSixteen(at, lower % kTen16) - out);
+// Writes the 40 last digits of a magnitude, with leading zeros.
+void putForty(Uint128 magnitude, char* out) {
+  constexpr std::uint64_t kTen8 = 100000000;
+  constexpr std::uint64_t kTen16 = kTen8 * kTen8;
+  // The reciprocal's quotient can be one too high.
+  Uint128 upper = wideProduct(magnitude, kReciprocals[15]).high;
+  if (upper * kTen16 > magnitude) --upper;
+  const std::uint64_t lower = lowWord(magnitude) - lowWord(upper) * kTen16;
+  // The quotient of 2^127 exceeds a word; that of 34 digits does not.
+  const std::uint64_t top =
+      highWord(upper) == 0 ? lowWord(upper) / kTen16 : static_cast<std::uint64_t>(upper / kTen16);
+  putEight(out, static_cast<std::uint32_t>(top));
+  putSixteen(out + 8, lowWord(upper) - top * kTen16);
+  putSixteen(out + 24, lower);
 }
 
-// Reads eight digits at once; false when one of them is none. The first character is the lowest
-// byte, so each step joins neighbours: digits to pairs, pairs to fours, fours to eight.
-bool readEightDigits(const char* text, std::uint64_t& value) {
-  std::uint64_t bytes = 0;
-  std::memcpy(&bytes, text, sizeof bytes);
-  // The upper half of a digit is 3, and still is when 6 is added.
-  constexpr std::uint64_t kUpperHalves = 0xF0F0F0F0F0F0F0F0;
-  const std::uint64_t raised = bytes + 0x0606060606060606;
-  if (((bytes & kUpperHalves) | (raised & kUpperHalves) >> 4) != 0x3333333333333333) return false;
-  bytes = (bytes & 0x0F0F0F0F0F0F0F0F) * 2561 >> 8;
-  bytes = (bytes & 0x00FF00FF00FF00FF) * 6553601 >> 16;
-  value = (bytes & 0x0000FFFF0000FFFF) * 42949672960001 >> 32;
-  return true;
-}
-
-// Appends digits to a value up to `end` or the first other character; returns where it stopped. The
-// value must have room for them.
-const char* accumulateDigits(const char* at, const char* end, Uint128& value) {
-  constexpr std::uint64_t kEightDigits = 100000000;
-  std::uint64_t group = 0;
-  for (; end - at >= 8 && readEightDigits(at, group); at += 8) value = value * kEightDigits + group;
-  std::uint64_t tail = 0;
-  std::uint64_t power = 1;
-  for (; at != end && isDigit(*at); ++at) {
-    tail = tail * 10 + static_cast<unsigned>(*at - '0');
-    power *= 10;
-  }
-  value = value * power + tail;
-  return at;
+// The index of the first digit that is not 0, up to 40.
+std::size_t firstDigit(const char* digits) {
+  std::size_t at = 0;
+  while (at < kMaxDigits && wordAt(digits + at) == kEightZeros) at += 8;
+  if (at == kMaxDigits) return at;
+  return at + static_cast<std::size_t>(std::countr_zero(wordAt(digits + at) ^ kEightZeros)) / 8;
 }
 
 }  // namespace
@@ -167,30 +145,25 @@ bool parseDecimalPlain(const char* text, int scale, Uint128& coefficient) {
   return coefficient == 0 || signBit(coefficient) == isMinus;
 }
 
-// An optional sign, digits and at most one point, to the end of the text. With at most 38 digits at
-// the given scale nothing can overflow, so that the order of the steps does not matter; everything
-// else is for the plain form.
+// An optional sign, digits and a point where the scale wants it, to the end of the text. With at
+// most 38 digits nothing can overflow, so that the order of the steps does not matter; everything
+// else, short texts too, is for the plain form.
 bool parseDecimal(const char* text, int scale, Uint128& coefficient) {
-  constexpr long kMaxDigits = 38;
-  const char* at = text + (*text == '-' || *text == '+' ? 1 : 0);
-  const char* const end = at + std::strlen(at);
-  const char* const begin = at;
-  if (end - at > kMaxDigits + 1) return parseDecimalPlain(text, scale, coefficient);
-  Uint128 value = 0;
-  at = accumulateDigits(at, end, value);
-  const long integerDigits = at - begin;
-  int decimals = 0;
-  if (integerDigits != 0 && (*at == '.' || *at == ',')) {
-    const char* const fraction = ++at;
-    const long room = std::min<long>(end - at, scale);
-    if (integerDigits + scale > kMaxDigits) return parseDecimalPlain(text, scale, coefficient);
-    at = accumulateDigits(at, at + room, value);
-    decimals = static_cast<int>(at - fraction);
-    while (isDigit(*at)) ++at;
-  }
-  if (integerDigits == 0 || integerDigits + scale > kMaxDigits || at != end)
+  constexpr std::size_t kMinLength = 8;
+  constexpr std::size_t kMaxDigits128 = 38;
+  const char* const begin = text + (*text == '-' || *text == '+' ? 1 : 0);
+  const std::size_t length = std::strlen(begin);
+  const char* const end = begin + length;
+  const auto decimals = static_cast<std::size_t>(scale);
+  const std::size_t behindInteger = decimals != 0 ? decimals + 1 : 0;
+  if (length < kMinLength || length <= behindInteger || length > kMaxDigits128)
     return parseDecimalPlain(text, scale, coefficient);
-  if (decimals < scale) value *= kPowersOfTen[static_cast<unsigned>(scale - decimals) - 1];
+  const std::size_t integerDigits = length - behindInteger;
+  const bool hasPoint = decimals == 0 || begin[integerDigits] == '.' || begin[integerDigits] == ',';
+  Uint128 value = 0;
+  if (!hasPoint || !appendDigits(begin, integerDigits, end, value) ||
+      !appendDigits(end - decimals, decimals, end, value))
+    return parseDecimalPlain(text, scale, coefficient);
   coefficient = *text == '-' ? -value : value;
   return true;
 }
@@ -206,10 +179,22 @@ std::size_t printDecimalPlain(Uint128 coefficient, unsigned scale, char* out) {
   return placePoint(signBit(coefficient), digits + first, kMaxDigits - first, scale, out);
 }
 
+// With a digit before the point, both parts are moved in blocks of fixed size; what they bring too
+// much is overwritten or lies behind the text.
 std::size_t printDecimal(Uint128 coefficient, unsigned scale, char* out) {
-  char digits[kMaxDigits];
-  const std::size_t count = putDigits(magnitudeOf(coefficient), digits);
-  return placePoint(signBit(coefficient), digits, count, scale, out);
+  char digits[kMaxDigits * 2] = {};
+  putForty(magnitudeOf(coefficient), digits);
+  const std::size_t first = firstDigit(digits);
+  const std::size_t count = kMaxDigits - first;
+  if (count <= scale) return placePoint(signBit(coefficient), digits + first, count, scale, out);
+  char* at = out;
+  if (signBit(coefficient)) *at++ = '-';
+  std::memcpy(at, digits + first, kMaxDigits);
+  at += count - scale;
+  if (scale == 0) return static_cast<std::size_t>(at - out);
+  *at++ = '.';
+  std::memcpy(at, digits + kMaxDigits - scale, kMaxDigits);
+  return static_cast<std::size_t>(at - out) + scale;
 }
 
 }  // namespace DataTypes

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "datatypes/digit_pairs.h"
+#include "datatypes/digit_words.h"
 #include "host/intl.h"
 
 namespace DataTypes {
@@ -31,8 +31,11 @@ std::size_t printPadded(long value, int width, char* out) {
     *at++ = '-';
     --width;
   }
-  const unsigned count = std::max(digitCount(magnitude), static_cast<unsigned>(std::max(width, 0)));
-  return static_cast<std::size_t>(putFixed(at, magnitude, count) - out);
+  char text[kMaxNumberText];
+  const auto count = static_cast<int>(putNumber(text, magnitude) - text);
+  if (count < width) at = std::fill_n(at, width - count, '0');
+  std::memcpy(at, text, static_cast<std::size_t>(count));
+  return static_cast<std::size_t>(at + count - out);
 }
 
 }  // namespace DataTypes

@@ -1,13 +1,14 @@
 #include "datatypes/instant_text.h"
 
-#include <algorithm>
+#include <array>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include "datatypes/calendar.h"
 #include "datatypes/characters.h"
-#include "datatypes/digit_pairs.h"
+#include "datatypes/digit_words.h"
 #include "datatypes/time_text.h"
 #include "host/intl.h"
 
@@ -37,51 +38,77 @@ constexpr long kSecondsPerDay = 86400;
 constexpr long kFirstSecond = -62167219200;  // 0000-01-01 00:00:00
 constexpr long kLastSecond = 253402300799;   // 9999-12-31 23:59:59
 
-bool hasFourDigitYear(long seconds) {
-  return seconds >= kFirstSecond && seconds <= kLastSecond;
-}
+constexpr unsigned long kSpan = kLastSecond - kFirstSecond + 1;
+constexpr std::size_t kDateTimeLength = 19;
 
-char* putTime(unsigned secondOfDay, char* out) {
-  out = putPair(out, secondOfDay / 3600);
-  *out++ = ':';
-  out = putPair(out, secondOfDay / 60 % 60);
-  *out++ = ':';
-  return putPair(out, secondOfDay % 60);
-}
+// "-MM-DD " for each day of a year that begins on 1 March, so that the leap day is the last one.
+constexpr auto kMonthAndDay = [] {
+  std::array<std::uint64_t, 366> words{};
+  for (unsigned day = 0; day < words.size(); ++day) {
+    const unsigned marchMonth = (5 * day + 2) / 153;
+    const unsigned month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+    const unsigned dayOfMonth = day - (153 * marchMonth + 2) / 5 + 1;
+    const char text[] = {
+        '-', static_cast<char>('0' + month / 10),      static_cast<char>('0' + month % 10),
+        '-', static_cast<char>('0' + dayOfMonth / 10), static_cast<char>('0' + dayOfMonth % 10),
+        ' '};
+    for (unsigned i = 0; i < sizeof text; ++i)
+      words[day] |= std::uint64_t{static_cast<unsigned char>(text[i])} << i * 8;
+  }
+  return words;
+}();
 
-// Writes the date of a day counted from 0000-01-01. Years begin on 1 March here, so that the leap
-// day is the last one; all divisions are by constants and in 32 bits.
-char* putDate(unsigned day, char* out) {
+// Writes "YYYY-MM-DD " of a day counted from 0000-01-01. All divisions are by constants and become
+// multiplications; 2939745/2^32 is 4/1461 exactly enough for the days of a century.
+inline void putDate(unsigned day, char* out) {
   constexpr unsigned kDaysOf400Years = 146097;
   constexpr unsigned kDaysBeforeMarch = 60;
+  constexpr unsigned kFirstDayOfJanuary = 306;
   // One cycle more, for January and February of year 0.
   const unsigned quarters = 4 * (day + kDaysOf400Years - kDaysBeforeMarch) + 3;
   const unsigned century = quarters / kDaysOf400Years;
-  const unsigned dayOfCentury = quarters % kDaysOf400Years / 4;
-  const unsigned yearOfCentury = (4 * dayOfCentury + 3) / 1461;
-  const unsigned dayOfYear = (4 * dayOfCentury + 3) % 1461 / 4;
-  const unsigned marchMonth = (5 * dayOfYear + 2) / 153;
-  const unsigned dayOfMonth = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
-  const bool isNextYear = marchMonth >= 10;
-  const unsigned year = century * 100 + yearOfCentury - 400 + (isNextYear ? 1 : 0);
-  out = putFour(out, year);
-  *out++ = '-';
-  out = putPair(out, isNextYear ? marchMonth - 9 : marchMonth + 3);
-  *out++ = '-';
-  return putPair(out, dayOfMonth);
+  const std::uint64_t years = std::uint64_t{quarters % kDaysOf400Years | 3U} * 2939745;
+  const unsigned dayOfYear = static_cast<unsigned>(years) / 2939745 / 4;
+  const unsigned year = century * 100 - 400 + static_cast<unsigned>(years >> 32) +
+                        (dayOfYear >= kFirstDayOfJanuary ? 1 : 0);
+  putPair(out, year / 100);
+  putPair(out + 2, year % 100);
+  putWord(out + 4, kMonthAndDay[dayOfYear]);
 }
 
-// Writes "%04d-%02d-%02d %02d:%02d:%02d" of seconds with a four-digit year.
-char* putDateTime(long seconds, char* out) {
-  const auto sinceYear0 = static_cast<unsigned long>(seconds - kFirstSecond);
-  out = putDate(static_cast<unsigned>(sinceYear0 / kSecondsPerDay), out);
-  *out++ = ' ';
-  return putTime(static_cast<unsigned>(sinceYear0 % kSecondsPerDay), out);
+// Writes "HH:MM:SS".
+inline void putTime(unsigned secondOfDay, char* out) {
+  const unsigned minuteOfDay = secondOfDay / 60;
+  const std::uint64_t hour = minuteOfDay / 60;
+  const std::uint64_t minute = minuteOfDay % 60;
+  const std::uint64_t second = secondOfDay % 60;
+  putWord(out,
+          splitPairs(hour | minute << 24 | second << 48, 0x0001000001000001) + 0x30303A30303A3030);
 }
 
-std::size_t finish(char* end, bool withZone, const char* begin) {
-  if (withZone) end = std::copy_n("+00", 3, end);
-  return static_cast<std::size_t>(end - begin);
+// Writes a value with a four-digit year; 0 for any other. The unit is a constant, so that no
+// division remains.
+template <unsigned long UnitsPerSecond, unsigned FractionDigits>
+std::size_t putInstant(long value, char* out) {
+  constexpr unsigned long kUnitsPerDay = UnitsPerSecond * kSecondsPerDay;
+  const auto sinceYear0 =
+      static_cast<unsigned long>(value) - static_cast<unsigned long>(kFirstSecond) * UnitsPerSecond;
+  if (sinceYear0 >= kSpan * UnitsPerSecond) return 0;
+  const unsigned long seconds = sinceYear0 / UnitsPerSecond;
+  const unsigned long day = sinceYear0 / kUnitsPerDay;
+  putDate(static_cast<unsigned>(day), out);
+  putTime(static_cast<unsigned>(seconds - day * kSecondsPerDay), out + 11);
+  const auto fraction = static_cast<unsigned>(sinceYear0 - seconds * UnitsPerSecond);
+  if (UnitsPerSecond == 1000) putPointAndThree(out + kDateTimeLength, fraction);
+  if (UnitsPerSecond == 1000000) putPointAndSix(out + kDateTimeLength, fraction);
+  return kDateTimeLength + (FractionDigits != 0 ? 1 + FractionDigits : 0);
+}
+
+std::size_t addZone(std::size_t length, bool withZone, char* out) {
+  constexpr std::size_t kZoneLength = 3;
+  if (!withZone) return length;
+  std::memcpy(out + length, "+00", kZoneLength);
+  return length + kZoneLength;
 }
 
 // The two formats that nearly all dates are read by; they differ in one character.
@@ -146,8 +173,8 @@ std::size_t printDatePlain(long seconds, bool withZone, char* out) {
 }
 
 std::size_t printDate(long seconds, bool withZone, char* out) {
-  if (!hasFourDigitYear(seconds)) return printDatePlain(seconds, withZone, out);
-  return finish(putDateTime(seconds, out), withZone, out);
+  const std::size_t length = putInstant<1, 0>(seconds, out);
+  return length != 0 ? addZone(length, withZone, out) : printDatePlain(seconds, withZone, out);
 }
 
 std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone, char* out) {
@@ -164,19 +191,10 @@ std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone
 }
 
 std::size_t printInstant(long value, const InstantUnit& unit, bool withZone, char* out) {
-  long seconds = 0;
-  long fraction = 0;
-  // Dividing by a constant takes a multiplication.
-  if (unit.fractionDigits == 3)
-    splitInstant(value, 1000, seconds, fraction);
-  else
-    splitInstant(value, 1000000, seconds, fraction);
-  if (!hasFourDigitYear(seconds)) return printInstantPlain(value, unit, withZone, out);
-  char* at = putDateTime(seconds, out);
-  *at++ = '.';
-  at = putFixed(at, static_cast<unsigned long>(fraction),
-                static_cast<unsigned>(unit.fractionDigits));
-  return finish(at, withZone, out);
+  const std::size_t length = unit.fractionDigits == 3 ? putInstant<1000, 3>(value, out)
+                                                      : putInstant<1000000, 6>(value, out);
+  return length != 0 ? addZone(length, withZone, out)
+                     : printInstantPlain(value, unit, withZone, out);
 }
 
 std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out) {
@@ -189,9 +207,11 @@ std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out) {
 }
 
 std::size_t printTimeOfDay(long seconds, bool withZone, char* out) {
-  if (!hasFourDigitYear(seconds)) return printTimeOfDayPlain(seconds, withZone, out);
-  const auto sinceYear0 = static_cast<unsigned long>(seconds - kFirstSecond);
-  return finish(putTime(static_cast<unsigned>(sinceYear0 % kSecondsPerDay), out), withZone, out);
+  const auto sinceYear0 =
+      static_cast<unsigned long>(seconds) - static_cast<unsigned long>(kFirstSecond);
+  if (sinceYear0 >= kSpan) return printTimeOfDayPlain(seconds, withZone, out);
+  putTime(static_cast<unsigned>(sinceYear0 % kSecondsPerDay), out);
+  return addZone(8, withZone, out);
 }
 
 InstantStatus parseSecondsPlain(const char* text, const char* format, long& seconds) {

@@ -12,7 +12,7 @@
 #include <system_error>
 
 #include "datatypes/characters.h"
-#include "datatypes/digit_pairs.h"
+#include "datatypes/digit_words.h"
 #include "datatypes/digits.h"
 #include "datatypes/int128.h"
 #include "datatypes/settings.h"
@@ -44,6 +44,15 @@ const char* readFraction(const char* text, unsigned decimals, long& fraction) {
   return text;
 }
 
+// value / 2^shift, rounded half to even.
+std::uint64_t roundedShift(Uint128 value, int shift) {
+  const auto quotient = static_cast<std::uint64_t>(value >> shift);
+  const Uint128 dropped = value - (Uint128{quotient} << shift);
+  const Uint128 half = Uint128{1} << (shift - 1);
+  const bool isUp = dropped > half || (dropped == half && quotient % 2 != 0);
+  return quotient + (isUp ? 1 : 0);
+}
+
 // The fraction of a magnitude below 2^63 in units of 1/power, rounded half to even, and its whole
 // part. The fraction can round up to `power` itself.
 std::uint64_t roundedFraction(double magnitude, std::uint64_t power, std::uint64_t& whole) {
@@ -59,17 +68,17 @@ std::uint64_t roundedFraction(double magnitude, std::uint64_t power, std::uint64
     whole = mantissa << -shift;
     return 0;
   }
-  if (shift >= 128) {
+  if (shift >= 64) {
     whole = 0;
-    return 0;
+    return shift < 128 ? roundedShift(Uint128{mantissa} * power, shift) : 0;
   }
-  whole = shift < 64 ? mantissa >> shift : 0;
-  const Uint128 scaled = Uint128{shift < 64 ? mantissa - (whole << shift) : mantissa} * power;
+  // The usual case: what is shifted out lies within a word.
+  whole = mantissa >> shift;
+  const Uint128 scaled = Uint128{mantissa - (whole << shift)} * power;
   const auto digits = static_cast<std::uint64_t>(scaled >> shift);
-  const Uint128 dropped = scaled - (Uint128{digits} << shift);
-  const Uint128 half = Uint128{1} << (shift - 1);
-  const bool isUp = dropped > half || (dropped == half && digits % 2 != 0);
-  return digits + (isUp ? 1 : 0);
+  const std::uint64_t dropped = lowWord(scaled) << (64 - shift);
+  constexpr std::uint64_t kHalf = 1ULL << 63;
+  return digits + (dropped > kHalf || (dropped == kHalf && digits % 2 != 0) ? 1 : 0);
 }
 
 }  // namespace
@@ -161,27 +170,23 @@ NumberStatus parseMoneyPlain(const char* text, unsigned decimals, long factor, l
   return NumberStatus::kOk;
 }
 
-// Amounts that begin with their sign or a digit and have at most 18 digits, decimals included,
-// cannot overflow. The sign of the amount then is the sign of the fraction.
+// An optional sign, digits and a point where the decimals want it, to the end of the text. Up to 18
+// digits cannot overflow, and the sign of the amount is the sign of its fraction. Everything else,
+// short texts too, is for the plain form.
 NumberStatus parseMoney(const char* text, unsigned decimals, long factor, long& value) {
-  const char* at = text + (isSign(*text) ? 1 : 0);
-  const char* const begin = at;
-  long whole = 0;
-  for (; isDigit(*at); ++at) {
-    if (at - begin == kSafeDigits) return parseMoneyPlain(text, decimals, factor, value);
-    whole = whole * 10 + (*at - '0');
-  }
-  if (at == begin || at - begin + static_cast<long>(decimals) > kSafeDigits)
+  constexpr std::size_t kMinLength = 8;
+  const char* const begin = text + (isSign(*text) ? 1 : 0);
+  const std::size_t length = std::strlen(begin);
+  const char* const end = begin + length;
+  if (length < kMinLength || length <= decimals + 1 || length > kSafeDigits || decimals == 0)
     return parseMoneyPlain(text, decimals, factor, value);
-  long amount = whole * factor;
-  if (*at == '.') {
-    if (!isDigit(at[1])) return NumberStatus::kBadFraction;
-    long fraction = 0;
-    at = readFraction(at + 1, decimals, fraction);
-    amount += fraction;
-  }
-  if (*at != '\0') return NumberStatus::kBadEnd;
-  value = *text == '-' ? -amount : amount;
+  const std::size_t integerDigits = length - decimals - 1;
+  std::uint64_t amount = 0;
+  if (begin[integerDigits] != '.' || !appendDigits(begin, integerDigits, end, amount) ||
+      !appendDigits(end - decimals, decimals, end, amount))
+    return parseMoneyPlain(text, decimals, factor, value);
+  const auto magnitude = static_cast<long>(amount);
+  value = *text == '-' ? -magnitude : magnitude;
   return NumberStatus::kOk;
 }
 
@@ -234,6 +239,7 @@ void printDoublePlain(double value, char* out, std::size_t outSize) {
 void printDouble(double value, char* out, std::size_t outSize) {
   constexpr double kLimit = 9.2e18;
   constexpr std::size_t kMaxDecimals = 17;
+  constexpr std::size_t kMaxText = kMaxNumberText + kMaxDecimals;
   if (std::fabs(value) < g_tolerance) value = 0.0;
   if (!(std::fabs(value) < kLimit) || g_decimalSize == 0 || g_decimalSize > kMaxDecimals)
     return printDoublePlain(value, out, outSize);
@@ -245,12 +251,21 @@ void printDouble(double value, char* out, std::size_t outSize) {
     fraction = 0;
     ++whole;
   }
-  char text[kMaxNumberText + kMaxDecimals];
+  char cut[kMaxText];
+  char* const text = outSize > kMaxText ? out : cut;
   char* at = text;
   if (std::signbit(value)) *at++ = '-';
   at = putNumber(at, whole);
-  *at++ = '.';
-  at = putFixed(at, fraction, decimals);
+  if (decimals == 6) {
+    at = putPointAndSix(at, static_cast<unsigned>(fraction));
+  } else {
+    *at++ = '.';
+    at = putFixed(at, fraction, decimals);
+  }
+  if (text == out) {
+    *at = '\0';
+    return;
+  }
   copyText(text, static_cast<std::size_t>(at - text), out, outSize);
 }
 

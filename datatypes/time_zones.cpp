@@ -20,6 +20,10 @@ namespace {
 constexpr const char* kUtc = "UTC";
 constexpr long kMicrosPerMilli = 1000;
 
+// Seasons are 2^32 milliseconds, 50 days, and reach from 1970 to 2100.
+constexpr unsigned kSeasonShift = 32;
+constexpr unsigned long kSeasons = 956;
+
 std::unique_ptr<icu::TimeZone> createZone(const char* name) {
   return std::unique_ptr<icu::TimeZone>(
       icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
@@ -65,6 +69,7 @@ Zone::Zone(const char* name) : icu_(new Icu{createZone(name), nullptr}), name_(n
   if (icu_->zone == nullptr) throw std::bad_alloc();
   icu_->rules = dynamic_cast<const icu::BasicTimeZone*>(icu_->zone.get());
   identifier_ = identifierOf(*icu_->zone);
+  seasons_.resize(kSeasons);
 }
 
 Zone::~Zone() = default;
@@ -89,37 +94,53 @@ long Zone::daylightSavingsMillis() const {
   return daylightSavingsMillis_;
 }
 
-// Daylight time only changes at transitions, so one answer holds for the interval between two.
-bool Zone::isDaylightTime(long utcMillis, bool& failed) const {
-  constexpr int kIntervalShift = 32;  // 2^32 ms are 50 days, shorter than any season
-  const auto bucket = static_cast<unsigned long>(utcMillis) >> kIntervalShift;
-  Interval& interval = intervals_[bucket % kIntervals];
-  if (utcMillis >= interval.begin && utcMillis < interval.end) return interval.isDaylight;
+bool Zone::askDaylightTime(long utcMillis, bool& failed) const {
   UErrorCode status = U_ZERO_ERROR;
   const bool isDaylight = icu_->zone->inDaylightTime(static_cast<UDate>(utcMillis), status) != 0;
-  if (U_FAILURE(status)) {
-    failed = true;
-    return false;
-  }
-  Interval found;
-  if (readInterval(utcMillis, found)) {
-    found.isDaylight = isDaylight;
-    interval = found;
-  }
-  return isDaylight;
+  if (U_SUCCESS(status)) return isDaylight;
+  failed = true;
+  return false;
 }
 
-bool Zone::readInterval(long utcMillis, Interval& interval) const {
-  constexpr long kExactInDouble = 1L << 52;
-  if (icu_->rules == nullptr || utcMillis > kExactInDouble || utcMillis < -kExactInDouble)
-    return false;
+// Daylight time only changes at transitions, so two answers and the transition between them hold
+// for a whole season. Times before 1970 or after 2100, and zones that change twice within a season,
+// are asked for each time.
+bool Zone::isDaylightTime(long utcMillis, bool& failed) const {
+  const auto index = static_cast<unsigned long>(utcMillis) >> kSeasonShift;
+  if (index >= kSeasons || seasons_.empty()) return askDaylightTime(utcMillis, failed);
+  Season& season = seasons_[index];
+  if (!season.isKnown && !readSeason(static_cast<long>(index << kSeasonShift), season))
+    return askDaylightTime(utcMillis, failed);
+  return utcMillis < season.transition ? season.isDaylightBefore : season.isDaylightAfter;
+}
+
+// Fills a season that begins at `begin`; false when it cannot be told by one transition.
+bool Zone::readSeason(long begin, Season& season) const {
+  if (icu_->rules == nullptr) return false;
+  const auto end = static_cast<UDate>(begin + (1L << kSeasonShift));
+  Season found;
+  bool failed = false;
   icu::TimeZoneTransition transition;
-  const auto at = static_cast<UDate>(utcMillis);
-  const bool hasBegin = icu_->rules->getPreviousTransition(at, true, transition) != 0;
-  interval.begin = hasBegin ? static_cast<long>(transition.getTime()) : -kExactInDouble;
-  const bool hasEnd = icu_->rules->getNextTransition(at, false, transition) != 0;
-  interval.end = hasEnd ? static_cast<long>(transition.getTime()) : kExactInDouble;
+  found.isDaylightBefore = askDaylightTime(begin, failed);
+  found.isDaylightAfter = found.isDaylightBefore;
+  if (icu_->rules->getNextTransition(static_cast<UDate>(begin), false, transition) &&
+      transition.getTime() < end) {
+    found.transition = static_cast<long>(transition.getTime());
+    found.isDaylightAfter = askDaylightTime(found.transition, failed);
+    if (icu_->rules->getNextTransition(transition.getTime(), false, transition) &&
+        transition.getTime() < end)
+      return false;
+  }
+  if (failed) return false;
+  found.isKnown = true;
+  season = found;
   return true;
+}
+
+long Zone::fromUtc(long utcMillis, bool& failed) const {
+  const bool isDaylight = isDaylightTime(utcMillis, failed);
+  refreshOffsets();
+  return utcMillis + rawOffsetMillis_ + (isDaylight ? daylightSavingsMillis_ : 0);
 }
 
 const std::string& Zone::displayName(bool isDaylight, bool isLong) const {
@@ -165,17 +186,20 @@ bool toTimeZone(long micros, const char* fromZone, const char* toZone, long& out
   const long millis = micros / kMicrosPerMilli;
   // UTC has no offset and no daylight saving: the shift is the identity.
   if (isUtc(fromZone) && isUtc(toZone)) return toMicros(millis, out);
-  const Zone* from = findZone(fromZone);
+  const Zone* from = isUtc(fromZone) ? nullptr : findZone(fromZone);
   const Zone* to = findZone(toZone);
-  if (from == nullptr || to == nullptr) {
+  if ((from == nullptr && !isUtc(fromZone)) || to == nullptr) {
     toMicros(millis, out);
     return false;
   }
-  bool failed = !from->isKnown() || !to->isKnown();
-  long utc = millis - from->rawOffsetMillis();
-  if (from->isDaylightTime(utc, failed)) utc -= from->daylightSavingsMillis();
-  if (to->isDaylightTime(utc, failed)) utc += to->daylightSavingsMillis();
-  return toMicros(utc + to->rawOffsetMillis(), out) && !failed;
+  bool failed = !to->isKnown();
+  long utc = millis;
+  if (from != nullptr) {
+    failed = failed || !from->isKnown();
+    utc -= from->rawOffsetMillis();
+    if (from->isDaylightTime(utc, failed)) utc -= from->daylightSavingsMillis();
+  }
+  return toMicros(to->fromUtc(utc, failed), out) && !failed;
 }
 
 bool toTimeZonePlain(long micros, const char* fromZone, const char* toZone, long& out) {

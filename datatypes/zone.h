@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace DataTypes {
 
@@ -35,6 +36,9 @@ class Zone {
   // `failed` when that cannot be told.
   bool isDaylightTime(long utcMillis, bool& failed) const;
 
+  // Wall-clock milliseconds of an instant.
+  long fromUtc(long utcMillis, bool& failed) const;
+
   // The long or short display name, for standard or daylight time, in the default locale of the
   // time it was first asked for. Throws only when memory runs out.
   const std::string& displayName(bool isDaylight, bool isLong) const;
@@ -42,17 +46,17 @@ class Zone {
  private:
   struct Icu;
 
-  // An interval without a transition.
-  struct Interval {
-    long begin = 1;  // milliseconds; begin > end: empty
-    long end = 0;    // the first one behind it
-    bool isDaylight = false;
+  // A stretch of time that daylight saving changes in at most once.
+  struct Season {
+    bool isKnown = false;
+    bool isDaylightBefore = false;
+    bool isDaylightAfter = false;
+    long transition = 0;  // milliseconds
   };
 
   void refreshOffsets() const;
-  bool readInterval(long utcMillis, Interval& interval) const;
-
-  static constexpr std::size_t kIntervals = 32;
+  bool askDaylightTime(long utcMillis, bool& failed) const;
+  bool readSeason(long begin, Season& season) const;
 
   std::unique_ptr<Icu> icu_;
   std::string name_;
@@ -60,7 +64,7 @@ class Zone {
   mutable long offsetsMinute_ = -1;  // the minute of the clock that the two offsets are of
   mutable long rawOffsetMillis_ = 0;
   mutable long daylightSavingsMillis_ = 0;
-  mutable std::array<Interval, kIntervals> intervals_;
+  mutable std::vector<Season> seasons_;  // from 1970 on, filled when they are asked for
   mutable std::array<std::string, 4> displayNames_;
 };
 

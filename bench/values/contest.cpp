@@ -1,0 +1,63 @@
+#include "contest.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+namespace {
+
+constexpr int kRounds = 41;
+constexpr double kRoundNanoseconds = 2e6;
+
+double nanoseconds(const std::function<void()>& work, int repeats) {
+  const auto begin = std::chrono::steady_clock::now();
+  for (int i = 0; i < repeats; ++i) work();
+  const std::chrono::duration<double, std::nano> elapsed = std::chrono::steady_clock::now() - begin;
+  return elapsed.count() / repeats;
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<long>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+int repeatsOf(const std::function<void()>& work) {
+  work();
+  return std::max(1, static_cast<int>(kRoundNanoseconds / nanoseconds(work, 3)));
+}
+
+}  // namespace
+
+double medianNanoseconds(const std::function<void()>& work) {
+  const int repeats = repeatsOf(work);
+  std::vector<double> times;
+  for (int round = 0; round < kRounds; ++round) times.push_back(nanoseconds(work, repeats));
+  return median(times);
+}
+
+bool run(const Contest& contest) {
+  const std::size_t count = contest.contenders.size();
+  std::vector<int> repeats;
+  for (const auto& contender : contest.contenders) repeats.push_back(repeatsOf(contender.work));
+  // Ratios within a round: what slows the machine for a while slows all contenders.
+  std::vector<std::vector<double>> ratios(count);
+  for (int round = 0; round < kRounds; ++round) {
+    std::vector<double> times;
+    for (std::size_t i = 0; i < count; ++i)
+      times.push_back(nanoseconds(contest.contenders[i].work, repeats[i]));
+    for (std::size_t i = 0; i < count; ++i) ratios[i].push_back(times[i] / times[0]);
+  }
+  const double ours = median(ratios[1]);
+  const bool isMet = contest.target == 0 || ours <= contest.target;
+  std::printf("%-3s %-34s", contest.figure.c_str(), contest.what.c_str());
+  if (contest.target != 0)
+    std::printf(" %-7s target %-6.3f", isMet ? "met" : "MISSED", contest.target);
+  else
+    std::printf(" %-7s        %-6s", "", "");
+  for (std::size_t i = 1; i < count; ++i)
+    std::printf("  %s %.3f", contest.contenders[i].name.c_str(), median(ratios[i]));
+  std::printf("  (%s 1.000)\n", contest.contenders[0].name.c_str());
+  std::fflush(stdout);
+  return isMet;
+}
