@@ -109,11 +109,15 @@ unsigned int ByteStore::Grow(unsigned int count) {
 
 unsigned int ByteStore::Append(const unsigned char* bytes, unsigned int count) {
   if (count == 0) return length_;
-  const bool own = holds(bytes);
-  const std::size_t ownOffset = own ? static_cast<std::size_t>(bytes - data_) : 0;
-  if (Grow(count) == 0) return 0;
+  // The block only moves, and with it bytes of its own, when there is no room.
+  if (std::uint64_t{length_} + count >= capacity_) {
+    const bool own = holds(bytes);
+    const std::size_t ownOffset = own ? static_cast<std::size_t>(bytes - data_) : 0;
+    if (Grow(count) == 0) return 0;
+    if (own) bytes = data_ + ownOffset;
+  }
   if (bytes == nullptr) return length_;
-  std::memmove(data_ + length_, own ? data_ + ownOffset : bytes, count);
+  std::memmove(data_ + length_, bytes, count);
   length_ += count;
   terminate();
   return length_;

@@ -20,6 +20,7 @@
 
 namespace KORVEX::Zel::DB::ODBC {
 
+// A row: what a getter of `Out` does with a cell of a C type.
 template <typename Out>
 struct CellReader {
   SQLSMALLINT cType;
@@ -70,6 +71,7 @@ inline bool readDouble(const ByteStore& bytes, double& out) {
   return true;
 }
 
+// The rows of the getter of `Out`.
 template <typename Out>
 struct CellReaders;
 

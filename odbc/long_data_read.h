@@ -20,7 +20,7 @@ class LongDataRead {
   // overwrites; `wide` asks for even numbers of bytes.
   LongDataRead(ByteStore& buffer, bool text, bool wide, std::int64_t firstRequest);
 
-  // Makes room for the next piece; false when there is no memory for it.
+  // Makes room for the next piece; false when there is no memory for it. Call it before target().
   bool prepare();
   // Where it goes, and its size in bytes.
   unsigned char* target() { return buffer_.Data() + offset_; }
@@ -32,15 +32,17 @@ class LongDataRead {
   bool endEarly(SQLLEN& total);
 
  private:
+  // Cuts the buffer to the value's length.
   Step finish(std::int64_t length, SQLLEN& total);
+  // Moves the place of the next piece to the end of this one.
   void moveBehindPiece(SQLRETURN rc, bool totalKnown);
 
   ByteStore& buffer_;
   bool text_;
   bool wide_;
   bool anyPiece_ = false;
-  std::int64_t offset_ = 0;
-  std::int64_t request_;
+  std::int64_t offset_ = 0;  // where in the buffer the piece at hand goes
+  std::int64_t request_;     // how many bytes are asked for
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

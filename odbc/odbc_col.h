@@ -12,7 +12,8 @@ namespace KORVEX::Zel::DB::ODBC {
 
 class ByteStore;
 
-// One column of a result set, holding the value of the row fetched last. The driver's description
+// One column of a result set, holding the value of the row fetched last. It belongs to its query,
+// and goes when the query moves on to another result, or is prepared anew. The driver's description
 // decides the C type in which the value is read:
 //   integers            their C type by size and sign; BIGINT: SQL_C_SBIGINT, read through text
 //   floats              SQL_C_DOUBLE
@@ -28,6 +29,7 @@ class OdbcCol : public virtual Odbc {
   virtual e_Status SetDirection(short direction) = 0;
   virtual e_Status SetData() = 0;
 
+  // The name as the driver gives it, cut to 255 bytes.
   virtual e_Status GetName(std::string& name) = 0;
   virtual e_Status GetSqlType(short& sqlType, unsigned int& columnSize, short& decimalDigits) = 0;
   virtual e_Status GetCType(short& cType, int& lengthBytes) = 0;
@@ -53,8 +55,9 @@ class OdbcCol : public virtual Odbc {
   virtual e_Status GetData(unsigned long& value) = 0;
   virtual e_Status GetData(double& value) = 0;
   // Copies the bytes of texts, binaries and date structures into the store; of a BIGINT its
-  // decimal text; of other numbers nothing, the store is emptied. e_Error for a null store. e_Null
-  // with an empty store for NULL.
+  // decimal text; of SQL_C_LONG, _SHORT, _TINYINT and _DOUBLE nothing, the store is emptied; of the
+  // bit and the unsigned types the number as it lies. It can be called again, with the same answer.
+  // e_Error for a null store. e_Null with an empty store for NULL.
   virtual e_Status GetData(ByteStore* value) = 0;
   // Copy the structure and yet return e_Error; e_Null and a zeroed structure for NULL.
   virtual e_Status GetData(TIMESTAMP_STRUCT& value) = 0;

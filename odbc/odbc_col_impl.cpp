@@ -56,11 +56,13 @@ Odbc::e_Status OdbcColImpl::Initialize() {
   std::int64_t bytes = rule.bufferBytes({columnSize_, displaySize_});
   if (bytes > std::numeric_limits<int>::max()) bytes = kFirstPiece;
   SetCType(isUnsigned != SQL_FALSE ? rule.unsignedCType : rule.cType, static_cast<int>(bytes));
+  // Long data get their buffer when it is known how long they are.
   if (cType_ != SQL_C_CHAR && cType_ != SQL_C_BINARY) SetData();
   return e_Ok;
 }
 
 Odbc::e_Status OdbcColImpl::describe() {
+  // All outputs start as zero: some drivers leave alone what they do not know.
   name_.Truncate(0, 0);
   name_.Extend(kNameBytes, 0);
   SQLSMALLINT nameLength = 0;
@@ -147,6 +149,7 @@ Odbc::e_Status OdbcColImpl::readBigInt() {
   text_.Truncate(0, 0);
   if (text_.Extend(length + 1, 0) != length + 1) return e_Error;
   const e_Status status = statusFromOwner(getData(SQL_C_CHAR, text_.Data(), length + 1));
+  // An indicator beyond the buffer means that the text was cut: it is no 64-bit number.
   if (indicator_ == SQL_NO_TOTAL) indicator_ = static_cast<SQLLEN>(std::strlen(text_.Text()));
   const bool fits = indicator_ >= 0 && indicator_ <= length;
   text_.Truncate(status == e_Ok && fits ? static_cast<std::uint32_t>(indicator_) : 0, 0);

@@ -30,8 +30,11 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
   e_Status GetData();  // NOLINT(bugprone-virtual-near-miss)
 
  private:
+  // SQLDescribeCol into name, type, size, digits and nullability.
   e_Status describe();
+  // A numeric SQLColAttribute.
   e_Status attribute(SQLUSMALLINT field, SQLLEN& value);
+  // SQLGetData with the indicator zeroed first; some drivers leave it alone.
   SQLRETURN getData(SQLSMALLINT cType, unsigned char* data, SQLLEN bytes);
   e_Status readFixed();
   e_Status readBigInt();
@@ -41,6 +44,7 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
   std::int16_t nameLength_ = 0;
   ByteStore text_;  // a 64-bit integer as the driver spells it
   std::uint32_t displaySize_ = 0;
+  // How the value is fetched; follows the C type.
   CellReadRule plan_ = kNoCellRead;
 };
 

@@ -31,7 +31,8 @@ class OdbcDataImpl : public OdbcImpl {
   SQLHANDLE GetHandle() override { return SQL_NULL_HANDLE; }
   e_Handle GetHandleType() override { return e_None; }
 
-  // Description. Setters forget the previous diagnostics.
+  // Description. Setters forget the previous diagnostics, and clear IsBound where the driver would
+  // have to be told. The buffer itself is made by SetBindArea or by the first value.
   e_Status SetCType(short cType, int lengthBytes);
   e_Status SetSqlType(short sqlType, unsigned int columnSize, short decimalDigits);
   e_Status SetDirection(short direction);
@@ -39,7 +40,8 @@ class OdbcDataImpl : public OdbcImpl {
   e_Status GetSqlType(short& sqlType, unsigned int& columnSize, short& decimalDigits);
   e_Status GetDirection(short& direction);
 
-  // Makes the buffer one of `length + 1` zero bytes.
+  // Makes the buffer one of `length + 1` zero bytes. As long as the size stays the block does, and
+  // only the bytes that a value has used are zeroed again.
   e_Status SetBindArea();
   // Whether the driver knows the buffer as it is now. Every change of type, size, direction or
   // buffer clears it.
@@ -66,6 +68,7 @@ class OdbcDataImpl : public OdbcImpl {
   e_Status SetData(ByteStore* value, bool binary);
   e_Status SetData(unsigned int typeCode, const DataTypes::DataValue& value);
 
+  // The typed getters: a table of C types each (cell_readers.h).
   e_Status GetData(char& value);
   e_Status GetData(bool& value);
   e_Status GetData(short& value);
@@ -78,6 +81,7 @@ class OdbcDataImpl : public OdbcImpl {
   e_Status GetData(double& value);
   e_Status GetData(TIMESTAMP_STRUCT& value);
   e_Status GetData(TIME_STRUCT& value);
+  // The bytes of the buffer: copied, and where they lie.
   e_Status GetData(ByteStore* value);
   e_Status GetBytes(std::span<const unsigned char>& bytes);
 
@@ -85,26 +89,30 @@ class OdbcDataImpl : public OdbcImpl {
   bool isNull() const { return indicator_ == SQL_NULL_DATA; }
   // The status of one of the cell's ODBC calls.
   e_Status statusFromOwner(SQLRETURN rc);
+  // SQLBindParameter with the cell's description; on success the cell is bound. `data` and
+  // `indicators` must stay where they are until the next binding.
   e_Status bindParameter(SQLPOINTER data, SQLLEN bufferBytes, SQLLEN* indicators);
 
   OdbcQueryImpl* owner_;
+  // The owner's; not freed here.
   SQLHANDLE envHandle_;
   SQLHANDLE dbcHandle_;
   SQLHANDLE stmtHandle_;
   bool bound_ = false;
-  bool wide_ = false;  // a column of a wide character type
-  std::int16_t number_;
-  std::int16_t direction_ = 0;
-  std::int16_t cType_ = 0;
-  std::int32_t lengthBytes_ = 0;
+  bool wide_ = false;             // a column of a wide character type
+  std::int16_t number_;           // of the column or parameter, from 1
+  std::int16_t direction_ = 0;    // SQL_PARAM_ ..., 0: never set
+  std::int16_t cType_ = 0;        // 0: never set
+  std::int32_t lengthBytes_ = 0;  // as told to ODBC; the buffer is one byte longer
   std::int16_t sqlType_ = 0;
   std::uint32_t columnSize_ = 0;
   std::int16_t decimalDigits_ = 0;
-  SQLLEN indicator_ = SQL_NULL_DATA;
+  SQLLEN indicator_ = SQL_NULL_DATA;  // the length in bytes, or NULL
   std::int16_t nullable_ = SQL_NULLABLE_UNKNOWN;
   ByteStore buffer_;
 
  private:
+  // Takes C type and length, remakes the buffer and puts the value at its start.
   e_Status storeBytes(short cType, int lengthBytes, const void* value, std::size_t valueBytes,
                       SQLLEN indicator);
   e_Status storeText(short cType, const void* value, std::size_t valueBytes);

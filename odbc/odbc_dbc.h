@@ -23,11 +23,13 @@ class OdbcDbc : public virtual Odbc {
   // e_Error: not connected, unless IsConnected() says that only the question for the name failed.
   virtual e_Status Connect(const std::string& dsn, const std::string& user,
                            const std::string& password) = 0;
-  // Rolls back, deletes every statement and catalog query of the connection and disconnects.
-  // Always e_Ok; does nothing when not connected.
+  // SQLEndTran, SQLDisconnect, both answers ignored: rolls back, deletes every statement and
+  // catalog query of the connection and disconnects. Always e_Ok; does nothing when not connected.
   virtual e_Status Disconnect() = 0;
+  // From a successful SQLConnect until Disconnect; a link that was lost is not noticed.
   virtual bool IsConnected() = 0;
-  // Takes one of ODBC's SQL_TXN_ bits, unchecked.
+  // Takes one of ODBC's SQL_TXN_ bits, unchecked, for the transactions to come. Most drivers refuse
+  // while one is open.
   virtual e_Status SetIsolationLevel(unsigned int level) = 0;
   // End the connection's transaction (SQLEndTran).
   virtual e_Status Commit() = 0;

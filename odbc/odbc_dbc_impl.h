@@ -11,9 +11,13 @@ namespace KORVEX::Zel::DB::ODBC {
 class OdbcCatalogImpl;
 class OdbcEnvImpl;
 
-// A connection handle and what hangs on it.
+// A connection handle and what hangs on it: statements and catalog queries.
+//
+// States: made (handle allocated, attributes set), connected, and made again after Disconnect.
+// Destruction disconnects first, and so rolls back.
 class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
  public:
+  // A child of `env`, which must outlive it.
   explicit OdbcDbcImpl(OdbcEnvImpl* env);
   ~OdbcDbcImpl() override;
 
@@ -21,7 +25,9 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
   // Allocates the handle (diagnostics from the environment), then sets manual commit and READ
   // COMMITTED, both before connecting.
   e_Status Initialize() override;
+  // Disconnects, then frees the handle.
   e_Status Finalize() override;
+  // The connection's handle and the environment's.
   SQLHANDLE GetHandle(e_Handle kind) override;
   SQLHANDLE GetHandle() override { return dbcHandle_.get(); }
   e_Handle GetHandleType() override { return e_Dbc; }
@@ -46,7 +52,8 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
                                     const char* column) override;
 
   void IsConnected(bool connected) { connected_ = connected; }
-  // Classifies the product by the name that its driver gives.
+  // Classifies the product by the name that its driver gives, in any mixture of cases: the first
+  // keyword of a table that is found anywhere in it decides.
   void SetDatabaseType(const std::string& dbmsName);
   // Whether a batch is prepared once more after its parameters were described, for speed.
   bool preparesArraysTwice() const { return preparesArraysTwice_; }
@@ -54,6 +61,8 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
  private:
   e_Status setIntegerAttribute(SQLINTEGER attribute, unsigned int value);
   e_Status endTransaction(SQLSMALLINT completion);
+  // Allocates the handle of a catalog query and runs its function. On failure deletes the query and
+  // returns null; only a failed allocation is printed.
   OdbcCatalog* InitCatalog(OdbcCatalogImpl* catalog);
 
   SqlHandle<SQL_HANDLE_DBC> dbcHandle_;

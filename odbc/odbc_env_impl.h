@@ -13,6 +13,8 @@ class OdbcEnvImpl final : public OdbcImpl, public OdbcEnv {
   ~OdbcEnvImpl() override;
 
   // In slot order.
+  // SQLAllocHandle, then SQLSetEnvAttr for ODBC 3. The allocation leaves no record: there is no
+  // handle yet to read one from.
   e_Status Initialize() override;
   e_Status Finalize() override;
   SQLHANDLE GetHandle(e_Handle kind) override;
@@ -23,6 +25,7 @@ class OdbcEnvImpl final : public OdbcImpl, public OdbcEnv {
   e_Status Rollback() override { return endTransactions(SQL_ROLLBACK); }
 
  private:
+  // SQLEndTran on the environment: all connections at once.
   e_Status endTransactions(SQLSMALLINT completion);
 
   SqlHandle<SQL_HANDLE_ENV> envHandle_;

@@ -35,10 +35,12 @@ class OdbcImpl : public virtual Odbc {
   // What a child tells its parent.
   enum e_Notice { e_Created = 0, e_Deleted = 1 };
 
-  // Null makes a root.
+  // Registers with the parent and shares its root's record. Null makes a root, which holds the
+  // record itself.
   explicit OdbcImpl(OdbcImpl* parent);
   ~OdbcImpl() override;
 
+  // These look at the root's record, whichever object of the tree is asked.
   bool HasInfo() override { return root_->hasInfo_; }
   void HasInfo(bool hasInfo) { root_->hasInfo_ = hasInfo; }
   void GetInfo(std::string& state, long& nativeError, std::string& message) override;
@@ -46,9 +48,10 @@ class OdbcImpl : public virtual Odbc {
   void DumpInfo(std::ostringstream& out) override;
 
   // In slot order, behind those of Odbc.
-  // Allocates what the object stands for; called once, right after construction.
+  // Allocates what the object stands for; called once, right after construction. After a failure
+  // the object is only good for being deleted.
   virtual e_Status Initialize() = 0;
-  // Frees it. Calling it again does nothing.
+  // Frees it, whatever the driver says to that. Always e_Ok; calling it again does nothing.
   virtual e_Status Finalize() = 0;
   // The handle of a kind that the object holds or works under, or a null handle.
   virtual SQLHANDLE GetHandle(e_Handle kind) = 0;
@@ -56,8 +59,11 @@ class OdbcImpl : public virtual Odbc {
   virtual SQLHANDLE GetHandle() = 0;
   virtual e_Handle GetHandleType() = 0;
 
+  // Keeps the book of children. A null child is ignored, and so is the farewell of a child that
+  // DeleteChildren is deleting.
   void Notify(e_Notice notice, OdbcImpl* child);
-  // Deletes every child that is still alive.
+  // Deletes every child that is still alive, in the order of their addresses, and so whatever was
+  // made under them. Pointers to children that anybody kept dangle afterwards.
   void DeleteChildren();
 
   // The status of an ODBC call. Forgets the previous record; a failure or a warning leaves the
@@ -68,9 +74,11 @@ class OdbcImpl : public virtual Odbc {
   }
   e_Status GetStatus(SQLRETURN rc) { return GetStatus(nullptr, rc); }
   // Reads the first record of `source`'s handle into the root (SQLGetDiagRec, twice for a message
-  // of more than 512 bytes).
+  // of more than 512 bytes). A handle without a record leaves one that says so; when SQLGetDiagRec
+  // itself fails there is none. Only the first record of a handle is ever read.
   void SetDiagnosticInfo(OdbcImpl* source);
 
+  // What Odbc::CreateEnv forwards to.
   static OdbcEnv* CreateEnv();
 
  protected:
@@ -84,7 +92,7 @@ class OdbcImpl : public virtual Odbc {
  private:
   e_Status statusOf(OdbcImpl* source, SQLRETURN rc);
 
-  OdbcImpl* root_;
+  OdbcImpl* root_;  // holds the record of the tree
   OdbcImpl* parent_;
   // By address. The value is the already-being-deleted mark: an entry marked true is a child that
   // DeleteChildren has deleted.

@@ -14,6 +14,9 @@ class ByteStore;
 // values to which every SetData with a null flag appends one row; there the first call of
 // SetSqlType, SetCType and SetDirection decides and later ones are ignored.
 //
+// Values are copied when they are set; the driver reads them at Execute. The object belongs to its
+// statement and goes when that is prepared anew.
+//
 // Setters return e_Ok unless something else is said. They do not check that a value fits the SQL
 // type; the driver does, when the statement is executed.
 class OdbcParam : public virtual Odbc {
@@ -52,6 +55,7 @@ class OdbcParam : public virtual Odbc {
   virtual e_Status SetData(const TIMESTAMP_STRUCT& value, bool isNull) = 0;
   virtual e_Status SetData(const TIME_STRUCT& value, bool isNull) = 0;
 
+  // What the setters left.
   virtual e_Status GetSqlType(short& sqlType, unsigned int& columnSize, short& decimalDigits) = 0;
   virtual e_Status GetCType(short& cType, int& lengthBytes) = 0;
   virtual e_Status GetDirection(short& direction) = 0;

@@ -88,6 +88,7 @@ Odbc::e_Status OdbcParamArrayImpl::appendIndicator(std::int32_t indicator) {
 // Whether a value of this layout may follow the rows so far.
 bool OdbcParamArrayImpl::decideLayout(Layout layout, std::uint32_t valueBytes) {
   if (layout_ == Layout::kUndecided) {
+    // Rows that came before the first value are padding; only now is it known how much.
     layout_ = layout;
     valueBytes_ = valueBytes;
     return appendNulls(static_cast<std::size_t>(rows_));
@@ -142,6 +143,7 @@ Odbc::e_Status OdbcParamArrayImpl::SetData(ByteStore* value, bool binary, bool i
   const std::int32_t given = binary ? narrowed<std::int32_t>(length) : std::int32_t{SQL_NTS};
   const e_Status status =
       appendCollected({store.Data(), kept}, !binary, isNull ? std::int32_t{SQL_NULL_DATA} : given);
+  // Callers see what was kept of their value.
   const bool resize = describedBytes_ > 0 && describedBytes_ < kSizeUnknownFrom;
   if (resize && (cuts || length < describedBytes_)) store.Resize(describedBytes_, 0);
   return status;
@@ -164,6 +166,7 @@ Odbc::e_Status OdbcParamArrayImpl::SetData(unsigned int typeCode, const DataType
 std::uint32_t OdbcParamArrayImpl::slotBytes() const {
   const std::uint32_t needed = std::max(width_, 1U);
   if (variableLength_) return needed;
+  // The cell's length is what the caller or the driver promised; a longer value widens the slots.
   if (lengthIsDescribed_ && describedBytes_ >= kSizeUnknownFrom) return needed;
   return std::max(needed, static_cast<std::uint32_t>(std::max(lengthBytes_, 0)));
 }
@@ -196,6 +199,7 @@ void OdbcParamArrayImpl::widenIndicators() {
 Odbc::e_Status OdbcParamArrayImpl::Bind() {
   if (bound_) return e_Ok;
   if (layout_ != Layout::kCollected) {
+    // ODBC knows the size of these types and takes it for the distance of the rows.
     widenIndicators();
     return bindParameter(buffer_.Data(), lengthBytes_, boundIndicators_.data());
   }

@@ -18,7 +18,8 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
  public:
   using OdbcParamImpl::OdbcParamImpl;
 
-  // Asks the driver for the parameter's size (SQLDescribeParam); its type is not used.
+  // Asks the driver for the parameter's size (SQLDescribeParam); its type is not used. A driver
+  // that cannot describe parameters cannot do batches.
   e_Status Initialize() override;
 
   // Only the first call of each that has an effect counts.
@@ -59,7 +60,11 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
   e_Status GetData(TIMESTAMP_STRUCT&) override { return e_Ok; }
   e_Status GetData(TIME_STRUCT&) override { return e_Ok; }
 
+  // Lays the rows out and hands them over (SQLBindParameter). What the driver is given stays in
+  // place until the next Bind that has something new. e_Error without a call when the rows do not
+  // fit into memory.
   e_Status Bind() override;
+  // Forgets rows from `rows` on; adds NULL rows up to `rows`.
   void CutRows(int rows) override;
   void PadRows(int rows) override;
 
@@ -79,12 +84,16 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
   }
   e_Status appendFixed(const void* value, std::uint32_t bytes, bool isNull);
   e_Status appendCollected(std::span<const unsigned char> value, bool text, std::int32_t indicator);
+  // Ends a row: its bytes are in place, this counts it.
   e_Status appendIndicator(std::int32_t indicator);
   bool decideLayout(Layout layout, std::uint32_t valueBytes);
   bool appendNulls(std::size_t rows);
+  // Whether longer values are cut to the size that the driver described.
   bool cutsToDescribedSize() const;
   std::uint32_t slotBytes() const;
+  // Lays the collected values out for the driver, a slot a row, the rest of it zero.
   bool packSlots(std::uint32_t slot);
+  // Makes the array of indicators that the driver reads.
   void widenIndicators();
 
   bool sqlTypeFixed_ = false;

@@ -9,6 +9,7 @@ namespace KORVEX::Zel::DB::ODBC {
 // buffer or its description changed.
 class OdbcParamImpl : public OdbcCell<OdbcParam> {
  public:
+  // Parameter `number` (from 1) of `owner`: an input parameter until SetDirection says otherwise.
   OdbcParamImpl(OdbcQueryImpl* owner, short number) : OdbcCell(owner, number) {
     direction_ = SQL_PARAM_INPUT;
   }

@@ -138,6 +138,7 @@ Odbc::e_Status OdbcQueryImpl::FetchData() {
 }
 
 Odbc::e_Status OdbcQueryImpl::MoreResults() {
+  // First: what they describe is gone as soon as the driver moves on.
   DeleteColumns();
   return GetStatus(this, SQLMoreResults(stmtHandle_.get()));
 }

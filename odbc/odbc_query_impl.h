@@ -13,12 +13,17 @@ class OdbcColImpl;
 class OdbcDbcImpl;
 
 // A statement handle and the columns of its current result.
+//
+// Columns are never bound: after each fetch they pull their values with SQLGetData, in ascending
+// order, as ODBC wants it.
 class OdbcQueryImpl : public OdbcImpl, public virtual OdbcQuery {
  public:
+  // A child of `dbc`, which must be connected when Initialize is called.
   explicit OdbcQueryImpl(OdbcDbcImpl* dbc);
   ~OdbcQueryImpl() override;
 
   // In slot order.
+  // SQLAllocHandle; a failure's record is the connection's.
   e_Status Initialize() override;
   e_Status Finalize() override;
   SQLHANDLE GetHandle(e_Handle kind) override;
@@ -35,7 +40,8 @@ class OdbcQueryImpl : public OdbcImpl, public virtual OdbcQuery {
  protected:
   const OdbcDbcImpl& dbc() const { return *dbc_; }
 
-  // Makes the column objects of a result set, once; all of them or none.
+  // Makes the column objects of a result set, once; all of them or none. SQLNumResultCols, then
+  // what each column asks about itself.
   e_Status CreateColumns();
   // Unbinds and deletes them. The diagnostics are left alone.
   e_Status DeleteColumns();

@@ -15,7 +15,7 @@ OdbcStmtImpl::~OdbcStmtImpl() {
 }
 
 Odbc::e_Status OdbcStmtImpl::SetSql(const std::string& sql, bool batch) {
-  Unprepare();
+  Unprepare();  // how closing went does not matter: preparing says whether the handle is usable
   sql_ = sql;
   return Prepare(batch);
 }
