@@ -95,52 +95,59 @@ TEST_F(Connection, LeavingIgnoresRefusals) {
   EXPECT_FALSE(dbc_->IsConnected());
 }
 
+void* createEnv(Connection&) {
+  return Odbc::CreateEnv();
+}
+void* createDbc(Connection& test) {
+  return test.env_->CreateDbc();
+}
+void* createStmt(Connection& test) {
+  return test.dbc_->CreateStmt();
+}
+void* scan(Connection& test) {
+  return test.dbc_->ScanTables(nullptr, nullptr, nullptr, nullptr);
+}
+const std::string kEnvFailed = "OdbcImpl::CreateEnv()  Failed to initialize env.";
+const std::string kDbcFailed = "OdbcEnvImpl::CreateDbc()  Failed to initialize dbc.";
+const std::string kNoInfo = "  No error info available\n";
+const std::string kRecord = "[HY001][7][no memory]\n";
+const std::string kNoRecord = "[ZEL][0][No error message returned by driver]\n";
+struct FailedCreation {
+  const char* name;
+  const char* function;
+  int call;
+  bool connected;
+  void* (*create)(Connection&);
+  std::string printed;               // the driver has a record
+  std::string printedWithoutRecord;  // it has none
+  std::string printedInvalid;        // the handle is invalid: no record is read
+};
+const FailedCreation kFailedCreations[] = {
+    {"env", "SQLAllocHandle", 1, false, createEnv, kEnvFailed + kNoInfo, kEnvFailed + kNoInfo,
+     kEnvFailed + kNoInfo},
+    {"env version", "SQLSetEnvAttr", 1, false, createEnv, kEnvFailed + kRecord,
+     kEnvFailed + kNoRecord, kEnvFailed + kNoInfo},
+    {"dbc", "SQLAllocHandle", 1, true, createDbc, kDbcFailed + kRecord, kDbcFailed + kNoRecord,
+     kDbcFailed + kNoInfo},
+    {"autocommit", "SQLSetConnectAttr", 1, true, createDbc, kDbcFailed + kRecord,
+     kDbcFailed + kNoRecord, kDbcFailed + kNoInfo},
+    {"isolation", "SQLSetConnectAttr", 2, true, createDbc, kDbcFailed + kRecord,
+     kDbcFailed + kNoRecord, kDbcFailed + kNoInfo},
+    {"stmt", "SQLAllocHandle", 1, true, createStmt,
+     "OdbcDbcImpl::CreateStmt()  Failed to initialize stmt." + kRecord,
+     "OdbcDbcImpl::CreateStmt()  Failed to initialize stmt." + kNoRecord, ""},
+    {"catalog", "SQLAllocHandle", 1, true, scan,
+     "OdbcDbcImpl::CreateStmt()  state: HY001\nOdbcDbcImpl::CreateStmt()  error: 7\n"
+     "OdbcDbcImpl::CreateStmt()  message: no memory\n",
+     "OdbcDbcImpl::CreateStmt()  state: ZEL\nOdbcDbcImpl::CreateStmt()  error: 0\n"
+     "OdbcDbcImpl::CreateStmt()  message: No error message returned by driver\n",
+     ""},
+    {"catalog function", "SQLTables", 1, true, scan, "", "", ""},
+};
+
 // What is printed when an object cannot be made, with and without a record.
 TEST_F(Connection, FailedCreationsSayWhy) {
-  const auto createEnv = [](Connection&) -> void* { return Odbc::CreateEnv(); };
-  const auto createDbc = [](Connection& t) -> void* { return t.env_->CreateDbc(); };
-  const auto createStmt = [](Connection& t) -> void* { return t.dbc_->CreateStmt(); };
-  const auto scan = [](Connection& t) -> void* {
-    return t.dbc_->ScanTables(nullptr, nullptr, nullptr, nullptr);
-  };
-  const char* envFailed = "OdbcImpl::CreateEnv()  Failed to initialize env.";
-  const char* dbcFailed = "OdbcEnvImpl::CreateDbc()  Failed to initialize dbc.";
-  const char* noInfo = "  No error info available\n";
-  const std::string record = "[HY001][7][no memory]\n";
-  const std::string noRecord = "[ZEL][0][No error message returned by driver]\n";
-  struct Row {
-    const char* name;
-    const char* function;
-    int call;
-    bool connected;
-    void* (*create)(Connection&);
-    std::string printed;               // the driver has a record
-    std::string printedWithoutRecord;  // it has none
-    std::string printedInvalid;        // the handle is invalid: no record is read
-  };
-  const Row rows[] = {
-      {"env", "SQLAllocHandle", 1, false, createEnv, envFailed + std::string(noInfo),
-       envFailed + std::string(noInfo), envFailed + std::string(noInfo)},
-      {"env version", "SQLSetEnvAttr", 1, false, createEnv, envFailed + record,
-       envFailed + noRecord, envFailed + std::string(noInfo)},
-      {"dbc", "SQLAllocHandle", 1, true, createDbc, dbcFailed + record, dbcFailed + noRecord,
-       dbcFailed + std::string(noInfo)},
-      {"autocommit", "SQLSetConnectAttr", 1, true, createDbc, dbcFailed + record,
-       dbcFailed + noRecord, dbcFailed + std::string(noInfo)},
-      {"isolation", "SQLSetConnectAttr", 2, true, createDbc, dbcFailed + record,
-       dbcFailed + noRecord, dbcFailed + std::string(noInfo)},
-      {"stmt", "SQLAllocHandle", 1, true, createStmt,
-       "OdbcDbcImpl::CreateStmt()  Failed to initialize stmt." + record,
-       "OdbcDbcImpl::CreateStmt()  Failed to initialize stmt." + noRecord, ""},
-      {"catalog", "SQLAllocHandle", 1, true, scan,
-       "OdbcDbcImpl::CreateStmt()  state: HY001\nOdbcDbcImpl::CreateStmt()  error: 7\n"
-       "OdbcDbcImpl::CreateStmt()  message: no memory\n",
-       "OdbcDbcImpl::CreateStmt()  state: ZEL\nOdbcDbcImpl::CreateStmt()  error: 0\n"
-       "OdbcDbcImpl::CreateStmt()  message: No error message returned by driver\n",
-       ""},
-      {"catalog function", "SQLTables", 1, true, scan, "", "", ""},
-  };
-  for (const Row& row : rows) {
+  for (const FailedCreation& row : kFailedCreations) {
     const fake::Answer answers[] = {fake::failure("HY001", 7, "no memory"),
                                     fake::failureWithoutRecord(),
                                     {SQL_INVALID_HANDLE, {}}};

@@ -1,92 +1,18 @@
-// The ODBC functions of the scripted ODBC.
+// The ODBC functions of the scripted ODBC: statements, results and the catalog.
 
-#include <algorithm>
-#include <sstream>
+#include "tests/support/fake_odbc_call.h"
 
-#include "tests/support/fake_odbc.h"
+using fake::address;
+using fake::attribute;
+using fake::Call;
+using fake::give;
+using fake::Handle;
+using fake::join;
+using fake::quoted;
+using fake::self;
+using fake::text;
 
 namespace {
-
-using fake::Answer;
-using fake::FakeOdbc;
-using fake::Handle;
-
-FakeOdbc& self() {
-  static FakeOdbc fake;
-  return fake;
-}
-
-std::string text(const SQLCHAR* chars, SQLINTEGER length) {
-  if (chars == nullptr) return {};
-  const char* start = reinterpret_cast<const char*>(chars);
-  return length < 0 ? std::string(start) : std::string(start, static_cast<std::size_t>(length));
-}
-
-std::string quoted(const SQLCHAR* chars, SQLINTEGER length) {
-  return chars == nullptr ? "null" : '"' + text(chars, length) + '"';
-}
-
-const char* address(const void* pointer) {
-  return pointer == nullptr ? "null" : "ptr";
-}
-
-// An attribute value: the number, or that it is an address.
-std::string attribute(SQLPOINTER value) {
-  constexpr std::uintptr_t kLargestNumber = 0xFFFFFF;
-  const auto number = reinterpret_cast<std::uintptr_t>(value);
-  return number > kLargestNumber ? "ptr" : std::to_string(number);
-}
-
-template <typename... Argument>
-std::string join(const Argument&... arguments) {
-  std::ostringstream out;
-  const char* separator = "";
-  ((out << separator << arguments, separator = ","), ...);
-  return out.str();
-}
-
-// A call under way: holds the lock, and knows what a script wants answered.
-class Call {
- public:
-  Call(const char* function, SQLSMALLINT type, SQLHANDLE handle, const std::string& arguments)
-      : lock_(self().mutex), handle_(static_cast<Handle*>(handle)) {
-    valid_ = self().check(function, type, handle_);
-    answer_ = self().enter(function, valid_ ? handle_ : nullptr, arguments);
-  }
-
-  // Whether the call is to do nothing but give this answer.
-  bool valid() const { return valid_; }
-  bool refused() const { return !valid_ || !SQL_SUCCEEDED(answer_.rc); }
-  SQLRETURN rc() const { return valid_ ? answer_.rc : static_cast<SQLRETURN>(SQL_INVALID_HANDLE); }
-  // Ends a call that the script leaves alone.
-  SQLRETURN answer(SQLRETURN rc, const char* state, const char* message) {
-    handle_->records.push_back({state, 0, message});
-    return rc;
-  }
-  Handle& operator*() const { return *handle_; }
-  Handle* operator->() const { return handle_; }
-
- private:
-  std::lock_guard<std::recursive_mutex> lock_;
-  Handle* handle_;
-  bool valid_ = false;
-  Answer answer_;
-};
-
-// Copies a text into a caller's buffer; false when it was cut.
-bool give(const std::string& from, SQLPOINTER to, SQLSMALLINT room, SQLSMALLINT* length) {
-  if (length != nullptr) *length = static_cast<SQLSMALLINT>(from.size());
-  if (to == nullptr || room <= 0) return true;
-  const std::size_t copied = std::min(from.size(), static_cast<std::size_t>(room - 1));
-  std::memcpy(to, from.data(), copied);
-  static_cast<char*>(to)[copied] = 0;
-  return copied == from.size();
-}
-
-template <typename Out, typename Value>
-void give(Out* to, Value value) {
-  if (to != nullptr) *to = static_cast<Out>(value);
-}
 
 const fake::ColumnDescription* columnOf(const Handle& statement, SQLUSMALLINT number) {
   const fake::Result* result = self().currentResult(&statement);
@@ -113,104 +39,11 @@ SQLRETURN runCatalogFunction(const char* function, SQLHSTMT handle, const std::s
 
 extern "C" {
 
-FakeOdbc* fakeOdbcInstance() {
-  return &self();
-}
-
-SQLRETURN SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) {
-  const std::lock_guard<std::recursive_mutex> lock(self().mutex);
-  auto* owner = static_cast<Handle*>(parent);
-  if (owner != nullptr &&
-      !self().check("SQLAllocHandle", static_cast<SQLSMALLINT>(type - 1), owner)) {
-    return SQL_INVALID_HANDLE;
-  }
-  const Answer answer = self().enter("SQLAllocHandle", owner, join(type));
-  if (!SQL_SUCCEEDED(answer.rc)) return answer.rc;
-  *handle = self().makeHandle(type, owner);
-  return answer.rc;
-}
-
-SQLRETURN SQLFreeHandle(SQLSMALLINT type, SQLHANDLE handle) {
-  Call call("SQLFreeHandle", type, handle, join(type));
-  if (call.valid()) self().freeHandle(&*call);  // also when it says it failed
-  return call.rc();
-}
-
-SQLRETURN SQLSetEnvAttr(SQLHENV env, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
-  return Call("SQLSetEnvAttr", SQL_HANDLE_ENV, env, join(name, attribute(value), length)).rc();
-}
-
-SQLRETURN SQLSetConnectAttr(SQLHDBC dbc, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
-  return Call("SQLSetConnectAttr", SQL_HANDLE_DBC, dbc, join(name, attribute(value), length)).rc();
-}
-
 SQLRETURN SQLSetStmtAttr(SQLHSTMT stmt, SQLINTEGER name, SQLPOINTER value, SQLINTEGER length) {
   Call call("SQLSetStmtAttr", SQL_HANDLE_STMT, stmt, join(name, attribute(value), length));
   if (call.refused()) return call.rc();
   if (name == SQL_ATTR_PARAMSET_SIZE) call->paramsetSize = reinterpret_cast<SQLULEN>(value);
   if (name == SQL_ATTR_PARAM_STATUS_PTR) call->paramStatus = static_cast<SQLUSMALLINT*>(value);
-  return call.rc();
-}
-
-SQLRETURN SQLConnect(SQLHDBC dbc, SQLCHAR* dsn, SQLSMALLINT dsnLength, SQLCHAR* user,
-                     SQLSMALLINT userLength, SQLCHAR* password, SQLSMALLINT passwordLength) {
-  Call call(
-      "SQLConnect", SQL_HANDLE_DBC, dbc,
-      join(quoted(dsn, dsnLength), quoted(user, userLength), quoted(password, passwordLength)));
-  if (!call.refused()) call->connected = true;
-  return call.rc();
-}
-
-SQLRETURN SQLDriverConnect(SQLHDBC dbc, SQLHWND, SQLCHAR* in, SQLSMALLINT inLength, SQLCHAR* out,
-                           SQLSMALLINT room, SQLSMALLINT* length, SQLUSMALLINT completion) {
-  Call call("SQLDriverConnect", SQL_HANDLE_DBC, dbc, join(quoted(in, inLength), completion));
-  if (call.refused()) return call.rc();
-  call->connected = true;
-  give(text(in, inLength), out, room, length);
-  return call.rc();
-}
-
-SQLRETURN SQLDisconnect(SQLHDBC dbc) {
-  Call call("SQLDisconnect", SQL_HANDLE_DBC, dbc, "");
-  if (call.refused()) return call.rc();
-  if (self().hasLiveChildren(&*call)) self().misuses.push_back("disconnected with live statements");
-  self().freeChildren(&*call);
-  call->connected = false;
-  return call.rc();
-}
-
-SQLRETURN SQLEndTran(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT completion) {
-  return Call("SQLEndTran", type, handle, join(type, completion)).rc();
-}
-
-SQLRETURN SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT type, SQLPOINTER value, SQLSMALLINT room,
-                     SQLSMALLINT* length) {
-  Call call("SQLGetInfo", SQL_HANDLE_DBC, dbc, join(type, room));
-  if (call.refused()) return call.rc();
-  if (type == SQL_DBMS_NAME) {
-    give(self().dbmsName, value, room, length);
-  } else if (type == SQL_DRIVER_ODBC_VER) {
-    give("03.52", value, room, length);
-  } else if (value != nullptr) {
-    const bool cursor = type == SQL_CURSOR_COMMIT_BEHAVIOR || type == SQL_CURSOR_ROLLBACK_BEHAVIOR;
-    give(static_cast<SQLUSMALLINT*>(value), cursor ? SQL_CB_PRESERVE : 0);
-    give(length, sizeof(SQLUSMALLINT));
-  }
-  return call.rc();
-}
-
-SQLRETURN SQLGetFunctions(SQLHDBC dbc, SQLUSMALLINT function, SQLUSMALLINT* supported) {
-  Call call("SQLGetFunctions", SQL_HANDLE_DBC, dbc, join(function));
-  if (call.refused()) return call.rc();
-  const auto has = [](SQLUSMALLINT id) { return self().unsupported.count(id) == 0; };
-  if (function == SQL_API_ODBC3_ALL_FUNCTIONS) {
-    std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, SQLUSMALLINT{0xFFFF});
-    for (const SQLUSMALLINT id : self().unsupported) {
-      supported[id >> 4] = static_cast<SQLUSMALLINT>(supported[id >> 4] & ~(1U << (id & 0xF)));
-    }
-  } else {
-    *supported = has(function) ? SQL_TRUE : SQL_FALSE;
-  }
   return call.rc();
 }
 
@@ -472,41 +305,6 @@ SQLRETURN SQLProcedureColumns(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catal
       join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
            schemaLength, quoted(procedure, procedureLength), procedureLength,
            quoted(column, columnLength), columnLength));
-}
-
-SQLRETURN SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLCHAR* state,
-                        SQLINTEGER* native, SQLCHAR* message, SQLSMALLINT room,
-                        SQLSMALLINT* length) {
-  Call call("SQLGetDiagRec", type, handle, join(number, room));
-  if (call.refused()) return call.rc();
-  if (number < 1 || static_cast<std::size_t>(number) > call->records.size()) return SQL_NO_DATA;
-  const fake::Diagnostic& record = call->records[static_cast<std::size_t>(number) - 1];
-  if (state != nullptr) give(record.state, state, 6, nullptr);
-  give(native, record.native);
-  return give(record.message, message, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-}
-
-SQLRETURN SQLGetDiagField(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLSMALLINT field,
-                          SQLPOINTER value, SQLSMALLINT room, SQLSMALLINT* length) {
-  Call call("SQLGetDiagField", type, handle, join(number, field, room));
-  if (call.refused()) return call.rc();
-  if (field == SQL_DIAG_NUMBER) {
-    give(static_cast<SQLINTEGER*>(value), call->records.size());
-    return SQL_SUCCESS;
-  }
-  if (number < 1 || static_cast<std::size_t>(number) > call->records.size()) return SQL_NO_DATA;
-  const fake::Diagnostic& record = call->records[static_cast<std::size_t>(number) - 1];
-  switch (field) {
-    case SQL_DIAG_NATIVE:
-      give(static_cast<SQLINTEGER*>(value), record.native);
-      return SQL_SUCCESS;
-    case SQL_DIAG_SQLSTATE:
-      return give(record.state, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-    case SQL_DIAG_MESSAGE_TEXT:
-      return give(record.message, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-    default:
-      return give("", value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-  }
 }
 
 }  // extern "C"
