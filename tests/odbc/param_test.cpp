@@ -31,6 +31,9 @@ TEST_F(Param, SingleBindingFollowsTheBuffer) {
   param_->SetData(5, text("abc"), false);
   EXPECT_EQ(execute(), "");  // the buffer keeps its length
   EXPECT_EQ(sent().bytes, "abc");
+  ByteStore whole;
+  EXPECT_EQ(param_->GetData(&whole), Odbc::e_Ok);
+  EXPECT_EQ(std::string(whole.Text(), whole.Length()), std::string("abc\0\0\0\0", 7));
   param_->SetData(5, text(""), false);
   EXPECT_EQ(execute(), "");
   EXPECT_EQ(sent().bytes, "");

@@ -80,6 +80,14 @@ TEST_F(Column, TypedGettersByCType) {
   }
 }
 
+TEST_F(Column, NothingOfAnEarlierRowShowsThrough) {
+  // A driver that answers without writing the value.
+  fetchFirst({{{"c", SQL_INTEGER, 10, 0, 11}}, {{fake::Cell::of(7)}, {""}}});
+  ASSERT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+  ASSERT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+  EXPECT_EQ(readAs(kInt, *stmt_->GetColumn(1)), std::pair(Odbc::e_Ok, 0.0));
+}
+
 TEST_F(Column, NumbersInTexts) {
   constexpr double no = -12345;
   struct Case {
