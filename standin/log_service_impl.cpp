@@ -57,7 +57,7 @@ void LogServiceImpl::log(const char* key, const char* text1, const char* text2) 
     if (const auto sink = sinkHolder().current()) {
       (*sink)({textOrEmpty(key), textOrEmpty(text1), textOrEmpty(text2)});
     }
-  } catch (...) {
+  } catch (...) {  // NOLINT(bugprone-empty-catch)
     // A log that fails must not fail what is being logged.
   }
 }

@@ -14,9 +14,9 @@
 namespace zeldb {
 namespace {
 
-constexpr std::size_t kChunkBytes = 64 * 1024;
+constexpr std::size_t kChunkBytes = 65536;
 // A quote that is never closed must not take the whole file into memory.
-constexpr std::uint64_t kMaxRecordBytes = 256 * 1024 * 1024;
+constexpr std::uint64_t kMaxRecordBytes = std::uint64_t{256} << 20;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace

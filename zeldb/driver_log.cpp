@@ -19,6 +19,10 @@ void DriverLog::clear() {
   diagnostic_.reset();
 }
 
+ExitCode DriverLog::exitCode() const {
+  return diagnostic_ ? diagnostic_->exitCode() : ExitCode::kSql;
+}
+
 std::string DriverLog::explanation() const {
   if (diagnostic_) {
     return diagnostic_->toString();

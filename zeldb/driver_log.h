@@ -20,8 +20,11 @@ class DriverLog {
   // Forgets what has been logged so far; called before an operation.
   void clear();
 
-  // The first diagnostic logged since clear(), if any.
-  const std::optional<Diagnostic>& diagnostic() const { return diagnostic_; }
+  // The first diagnostic logged since clear(), or null.
+  const Diagnostic* diagnostic() const { return diagnostic_ ? &*diagnostic_ : nullptr; }
+
+  // The exit code that the failure stands for.
+  ExitCode exitCode() const;
 
   // Why the operation failed, in one line: the diagnostic, or the key of the first message.
   std::string explanation() const;

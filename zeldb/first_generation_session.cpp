@@ -16,8 +16,7 @@ namespace {
 namespace db = KORVEX::Zel::DB;
 
 [[noreturn]] void fail(const DriverLog& log, const std::string& what) {
-  throw Failure(log.diagnostic() ? log.diagnostic()->exitCode() : ExitCode::kSql,
-                fmt::format("{}: {}", what, log.explanation()));
+  throw Failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()));
 }
 
 void check(db::ResultCode result, const DriverLog& log, const char* what) {
@@ -154,7 +153,7 @@ FirstGenerationSession::FirstGenerationSession(db::Driver& driver, const Service
   }
   connection_->setServiceName(service.name);
   if (connection_->open() != db::kSuccess) {
-    const bool timeout = log_.diagnostic() && log_.diagnostic()->exitCode() == ExitCode::kTimeout;
+    const bool timeout = log_.exitCode() == ExitCode::kTimeout;
     throw Failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
                   fmt::format("service \"{}\": {}", service.name, log_.explanation()));
   }
@@ -201,7 +200,7 @@ std::int64_t FirstGenerationSession::update(const std::string& sql, const Parame
     return rows;
   }
   // A statement that hits no row fails without a reason where the database reports "no data".
-  if (!log_.diagnostic() && log_.explanation() == "801016-3_ERROR_EXECUTING_STATEMENT") {
+  if (log_.diagnostic() == nullptr && log_.explanation() == "801016-3_ERROR_EXECUTING_STATEMENT") {
     return 0;
   }
   fail(log_, "statement");
@@ -221,7 +220,7 @@ void FirstGenerationSession::commit() {
   if (connection_->commit() == db::kSuccess) {
     return;
   }
-  if (log_.diagnostic() && log_.diagnostic()->exitCode() != ExitCode::kSql) {
+  if (log_.exitCode() != ExitCode::kSql) {
     throw Failure(ExitCode::kInDoubt, fmt::format("in doubt, the answer to the commit was lost: {}",
                                                   log_.explanation()));
   }

@@ -114,6 +114,7 @@ class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, 
 
   void expectRows(int first, int last) {
     std::vector<unsigned int> types;
+    types.reserve(columns_.size());
     for (const LiveColumn& column : columns_) {
       types.push_back(column.type);
     }
@@ -134,7 +135,7 @@ class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, 
   }
 
   std::string stateOfFailure() const {
-    return log_.diagnostic() ? log_.diagnostic()->state : log_.explanation();
+    return log_.diagnostic() != nullptr ? log_.diagnostic()->state : log_.explanation();
   }
 
   const Quirks& quirks_;

@@ -9,7 +9,7 @@ namespace {
 using namespace DataTypes;
 
 constexpr std::int64_t kSecondsOfRange = 2'500'000'000;  // 1890 to 2049
-constexpr std::int64_t kSecondsOfDay = 24 * 60 * 60;
+constexpr std::int64_t kSecondsOfDay = 86'400;
 constexpr std::size_t kMaxPieces = 30;
 constexpr std::size_t kFixedBytes = 8;
 constexpr std::size_t kMaxBytes = 200;

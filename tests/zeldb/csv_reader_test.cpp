@@ -80,8 +80,8 @@ TEST(CsvReader, ReadsFieldsAndFilesLongerThanItsBuffer) {
   std::string text;
   std::string expected;
   for (int line = 1; line <= 3; ++line) {
-    text += field + ",\"" + field + "\"\n";
-    expected += std::to_string(line) + "[" + field + "|" + field + "]";
+    text.append(field).append(",\"").append(field).append("\"\n");
+    expected.append(std::to_string(line) + "[").append(field).append("|").append(field).append("]");
   }
   EXPECT_TRUE(readAll(text) == expected);
 }
