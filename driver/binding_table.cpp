@@ -16,6 +16,7 @@ namespace {
 
 using DataTypes::DataValue;
 using DataTypes::TypeFamily;
+using ODBC::Odbc;
 using ODBC::OdbcParam;
 
 template <int Number>
@@ -52,32 +53,32 @@ int moneyScale(unsigned int type, const DataValue&) {
 }
 
 template <auto Member>
-void storeNumber(OdbcParam& parameter, unsigned int, const DataValue& value) {
-  parameter.SetData(value.*Member, value.isNull());
+Odbc::e_Status storeNumber(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  return parameter.SetData(value.*Member, value.isNull());
 }
 
-void storeLong(OdbcParam& parameter, unsigned int, const DataValue& value) {
-  parameter.SetData(long{value.int64}, value.isNull());
+Odbc::e_Status storeLong(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  return parameter.SetData(long{value.int64}, value.isNull());
 }
 
 // An unsigned char would select another setter.
-void storeBoolean(OdbcParam& parameter, unsigned int, const DataValue& value) {
-  parameter.SetData(value.boolean != 0, value.isNull());
+Odbc::e_Status storeBoolean(OdbcParam& parameter, unsigned int, const DataValue& value) {
+  return parameter.SetData(value.boolean != 0, value.isNull());
 }
 
 // Strings (5) and bytes (28), whose lengths vary from row to row.
-void storeVariable(OdbcParam& parameter, unsigned int type, const DataValue& value) {
-  parameter.SetData(DataTypes::typeNumber(type), value, value.isNull());
+Odbc::e_Status storeVariable(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+  return parameter.SetData(DataTypes::typeNumber(type), value, value.isNull());
 }
 
-void storeTimestamp(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+Odbc::e_Status storeTimestamp(OdbcParam& parameter, unsigned int type, const DataValue& value) {
   TIMESTAMP_STRUCT timestamp{};
   if (!value.isNull()) convertTime(type, value, timestamp);
-  parameter.SetData(timestamp, value.isNull());
+  return parameter.SetData(timestamp, value.isNull());
 }
 
 // Seconds since midnight; a whole day more counts as the same time.
-void storeTime(OdbcParam& parameter, unsigned int, const DataValue& value) {
+Odbc::e_Status storeTime(OdbcParam& parameter, unsigned int, const DataValue& value) {
   TIME_STRUCT time{};
   if (!value.isNull()) {
     const long seconds = value.int64;
@@ -88,19 +89,19 @@ void storeTime(OdbcParam& parameter, unsigned int, const DataValue& value) {
     time.minute = static_cast<SQLUSMALLINT>(minute);
     time.second = static_cast<SQLUSMALLINT>(second);
   }
-  parameter.SetData(time, value.isNull());
+  return parameter.SetData(time, value.isNull());
 }
 
 // The value's text; `Size` holds the longest text of the family and its terminator.
 template <std::size_t Size>
-void storeText(OdbcParam& parameter, unsigned int type, const DataValue& value) {
+Odbc::e_Status storeText(OdbcParam& parameter, unsigned int type, const DataValue& value) {
   std::array<char, Size> text{};
   if (!value.isNull()) {
     DataValue copy = value;
     DataTypes::convertToString(type, false, false, copy, text.data(), text.size());
   }
   ODBC::ByteStore store(text.data(), ODBC::ByteStore::kUntilNul);
-  parameter.SetData(&store, false, value.isNull());
+  return parameter.SetData(&store, false, value.isNull());
 }
 
 struct FamilyRule {

@@ -12,15 +12,15 @@ namespace KORVEX::Zel::DB {
 // the parameter, and how the value is stored in it.
 struct BindingRule {
   using Quantity = int (*)(unsigned int type, const DataTypes::DataValue& value);
-  using Store = void (*)(ODBC::OdbcParam& parameter, unsigned int type,
-                         const DataTypes::DataValue& value);
+  using Store = ODBC::Odbc::e_Status (*)(ODBC::OdbcParam& parameter, unsigned int type,
+                                         const DataTypes::DataValue& value);
 
   short cType;
   short sqlType;
   Quantity columnSize;
   Quantity decimalDigits;
   Quantity bufferLength;
-  Store store;  // its own failure is not looked at: the driver reports it at execution
+  Store store;
 };
 
 // The rule for a type code (its low 8 bits count), or null for a code that cannot be bound.

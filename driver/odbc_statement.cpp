@@ -14,6 +14,12 @@ namespace KORVEX::Zel::DB {
 using DataTypes::DataValue;
 using ODBC::Odbc;
 
+namespace {
+
+constexpr char kValueRefused[] = "a value differs in kind from the column's first row";
+
+}  // namespace
+
 OdbcStatement::OdbcStatement(OdbcConnection& connection, ODBC::OdbcStmt* stmt)
     : OdbcStatement(connection, stmt, std::string()) {}
 
@@ -58,7 +64,7 @@ ResultCode OdbcStatement::close() {
 // answers it with "no data".
 ResultCode OdbcStatement::bindAndExecute(const std::vector<Parameter>& params, bool& noRows) {
   if (stmt_ == nullptr) return fail(keys::kExecutingStatement, "");
-  if (bindParameters(params) != kSuccess) return kFailure;
+  if (bindParameters(params) != kSuccess || valueRefused_) return kFailure;
   const Odbc::e_Status status = stmt_->Execute();
   noRows = safeTransfer_ && status == Odbc::e_NoData;
   if (status == Odbc::e_Ok || noRows) return kSuccess;
@@ -131,7 +137,7 @@ ResultCode OdbcStatement::addToBatch(const std::vector<Parameter>& params) {
   return guarded(kFailure, [&] {
     if (stmt_ == nullptr) return fail(keys::kAddingToBatch, "");
     stmt_->DiscardPendingRow();  // what a row that failed before has left
-    if (bindParameters(params) != kSuccess) return kFailure;
+    if (bindParameters(params) != kSuccess || valueRefused_) return kFailure;
     stmt_->IncrementBatchSize();
     return kSuccess;
   });
@@ -174,6 +180,7 @@ ResultCode OdbcStatement::bindParameters(const std::vector<Parameter>& params) {
   return guarded(kFailure, [&] {
     ResultCode result = kSuccess;
     int number = 0;
+    valueRefused_ = false;
     for (const Parameter& parameter : params) {
       ODBC::OdbcParam* target = stmt_ == nullptr ? nullptr : stmt_->GetParam(++number);
       if (target == nullptr) return fail(keys::kBindingParameters, "");
@@ -190,7 +197,10 @@ ResultCode OdbcStatement::bindValue(void* parameter, unsigned int type, const Da
     const BindingRule* rule = findBindingRule(type, writeBigIntAsChar_);
     if (target == nullptr || rule == nullptr) return fail(keys::kBindingParameters, "");
     setParameterCommons(*target, *rule, type, value);
-    rule->store(*target, type, value);
+    if (rule->store(*target, type, value) != Odbc::e_Ok) {
+      valueRefused_ = true;
+      fail(keys::kBindingParameters, kValueRefused);
+    }
     return kSuccess;
   });
 }

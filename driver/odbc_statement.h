@@ -45,7 +45,9 @@ class OdbcStatement final : public Statement {
   // Binds parameter i + 1 from params[i]. Kept: a failing binder is logged but does not stop the
   // loop, and the result is that of the last parameter.
   ResultCode bindParameters(const std::vector<Parameter>& params) override;
-  // The binders; `parameter` is an ODBC::OdbcParam.
+  // The binders; `parameter` is an ODBC::OdbcParam. Kept: a value that the parameter cannot take
+  // (in a batch: of another kind than the first row's) is logged and the binder succeeds; the row
+  // or execution it belongs to fails.
   ResultCode bindParameterInt16(void* parameter, const DataTypes::DataValue& value) override;
   ResultCode bindParameterInt32(void* parameter, const DataTypes::DataValue& value) override;
   ResultCode bindParameterInt64(void* parameter, const DataTypes::DataValue& value) override;
@@ -83,6 +85,7 @@ class OdbcStatement final : public Statement {
 
   bool writeBigIntAsChar_;
   bool safeTransfer_;
+  bool valueRefused_ = false;  // a parameter could not take its value in the last bindParameters
   std::unique_ptr<ODBC::OdbcStmt> stmt_;
   std::unique_ptr<OdbcResultSet> resultSet_;
 };

@@ -189,6 +189,22 @@ TEST_F(OdbcStatementTest, ARowThatFailsDoesNotShiftTheOthers) {
   EXPECT_EQ(rows[1][1].bytes, "c");
 }
 
+// Sent as NULL or shifted bytes it would be lost without a word.
+TEST_F(OdbcStatementTest, AValueOfAnotherKindFailsItsBatchRow) {
+  open();
+  ASSERT_EQ(connection->createBatch("insert ?,?"), kSuccess);
+  EXPECT_EQ(connection->addToBatch({int32Parameter(1), int32Parameter(1)}), kSuccess);
+  EXPECT_EQ(connection->addToBatch({int64Parameter(kLong, 2), int32Parameter(2)}), kFailure);
+  EXPECT_EQ(log.take(), (Strings{"801017-3_ERROR_BINDING_PARAMETERS|insert ?,?|a value differs in "
+                                 "kind from the column's first row"}));
+  EXPECT_EQ(connection->addToBatch({int32Parameter(3), int32Parameter(3)}), kSuccess);
+  std::vector<int> status;
+  ASSERT_EQ(connection->executeBatch(status), kSuccess);
+  const auto& rows = odbc.executions.at(0).rows;
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_EQ(rows[1][0].as<int>(), 3);
+}
+
 TEST_F(OdbcStatementTest, UpdateCountsAndUpdatesThatHitNoRow) {
   for (const bool safe : {false, true}) {
     open({{"SafeTransfer", safe ? "true" : "false"}});

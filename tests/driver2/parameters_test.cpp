@@ -1,17 +1,11 @@
-#include <cstring>
-
 #include "datatypes/data_types.h"
 #include "tests/driver2/driver2_fixture.h"
+#include "tests/support/packed_row.h"
 
 namespace KORVEX::Zel::DB {
 namespace {
 
 using namespace DataTypes;
-
-template <typename Struct>
-std::string raw(const Struct& value) {
-  return {reinterpret_cast<const char*>(&value), sizeof value};
-}
 
 DataValue int64Cell(long value) {
   DataValue cell;
@@ -30,29 +24,6 @@ DataValue nullCell() {
   cell.setNull();
   return cell;
 }
-
-// A packed row of values in their packed form; no bytes and no value is NULL.
-class PackedRow {
- public:
-  explicit PackedRow(const std::vector<const std::string*>& values) {
-    const std::size_t tableEnd = RowInternal2::kHeaderBytes + (values.size() + 1) * 4;
-    bytes_.resize(tableEnd + 4);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      setOffset(i, values[i] == nullptr ? 0 : static_cast<int>(bytes_.size()));
-      if (values[i] != nullptr) bytes_ += *values[i];
-    }
-    setOffset(values.size(), static_cast<int>(bytes_.size()));
-  }
-  const RowInternal2* get() const {
-    return static_cast<const RowInternal2*>(static_cast<const void*>(bytes_.data()));
-  }
-
- private:
-  void setOffset(std::size_t column, int offset) {
-    std::memcpy(&bytes_[RowInternal2::kHeaderBytes + column * 4], &offset, 4);
-  }
-  std::string bytes_;
-};
 
 class ParametersTest : public Driver2Fixture {
  protected:
@@ -83,20 +54,21 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
   const TIME_STRUCT kLate = {23, 59, 59};
   const FixedDecimalValue kDecimal = {~0UL, ~0UL - 4, 3, 10};
   const Case kCases[] = {
-      {"integer", kInteger, raw(-70000), SQL_C_SLONG, raw(-70000), 0},
-      {"long", kLong, raw(1L << 40), SQL_C_SBIGINT, raw(1L << 40), 0},
-      {"float", kFloat, raw(0.1), SQL_C_DOUBLE, raw(0.1), 0},
+      {"integer", kInteger, rawBytes(-70000), SQL_C_SLONG, rawBytes(-70000), 0},
+      {"long", kLong, rawBytes(1L << 40), SQL_C_SBIGINT, rawBytes(1L << 40), 0},
+      {"float", kFloat, rawBytes(0.1), SQL_C_DOUBLE, rawBytes(0.1), 0},
       {"boolean", kBoolean, "\x01", SQL_C_BIT, "\x01", 0},
-      {"interval", kInterval, raw(-2L), SQL_C_SBIGINT, raw(-2L), 0},
-      {"date", kDate, raw(951782400L), SQL_C_TYPE_TIMESTAMP, raw(kLeapDay), 16},
-      {"timestamp", kTimestamp, raw(-1L), SQL_C_TYPE_TIMESTAMP, raw(kBefore), 16},
-      {"bigdatetime", kBigDateTime, raw(-1L), SQL_C_TYPE_TIMESTAMP, raw(kBeforeMicros), 16},
-      {"time", kTime, raw(86399L), SQL_C_TYPE_TIME, raw(kLate), 6},
+      {"interval", kInterval, rawBytes(-2L), SQL_C_SBIGINT, rawBytes(-2L), 0},
+      {"date", kDate, rawBytes(951782400L), SQL_C_TYPE_TIMESTAMP, rawBytes(kLeapDay), 16},
+      {"timestamp", kTimestamp, rawBytes(-1L), SQL_C_TYPE_TIMESTAMP, rawBytes(kBefore), 16},
+      {"bigdatetime", kBigDateTime, rawBytes(-1L), SQL_C_TYPE_TIMESTAMP, rawBytes(kBeforeMicros),
+       16},
+      {"time", kTime, rawBytes(86399L), SQL_C_TYPE_TIME, rawBytes(kLate), 6},
       {"string", kString, std::string("h\xC3\xA9\0", 4), SQL_C_CHAR, "h\xC3\xA9", 3},
       {"empty string", kString, std::string(1, '\0'), SQL_C_CHAR, "", 0},
-      {"money", kMoney, raw(-12345L), SQL_C_CHAR, "-1.2345", 7},
-      {"money(2)", 12, raw(5L), SQL_C_CHAR, "0.05", 4},
-      {"decimal", createFixedDecimal(10, 3), raw(kDecimal), SQL_C_CHAR, "-0.005", 6},
+      {"money", kMoney, rawBytes(-12345L), SQL_C_CHAR, "-1.2345", 7},
+      {"money(2)", 12, rawBytes(5L), SQL_C_CHAR, "0.05", 4},
+      {"decimal", createFixedDecimal(10, 3), rawBytes(kDecimal), SQL_C_CHAR, "-0.005", 6},
       {"binary", kBinary, std::string("\0\0\0\3a\0b", 7), SQL_C_BINARY, std::string("a\0b", 3), 3},
       {"empty binary", kBinary, std::string(4, '\0'), SQL_C_BINARY, "", 0},
   };
@@ -109,8 +81,7 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
       std::vector<int> columns = {1};
       Types types = {c.type};
       ASSERT_EQ(statement->setBindings(columns, types.data(), error), 0);
-      const std::string ignored = "?";
-      const PackedRow packed({&ignored, &c.packed});
+      const PackedRow packed({"?", c.packed});
       ASSERT_EQ(statement->execute(packed.get(), error), 0) << c.name << error->getErrorString();
       EXPECT_EQ(lastRow().at(0).cType, c.cType) << c.name;
       EXPECT_EQ(lastRow().at(0).bytes, c.bytes) << c.name;
@@ -135,12 +106,12 @@ TEST_F(ParametersTest, OneIndicatorServesAllUnlessSafe) {
     Types types = {kString, kInteger, kString};
     ASSERT_EQ(statement->setBindings(columns, types.data(), error), 0);
     const std::string text("abc\0", 4);
-    const std::string number = raw(5);
-    EXPECT_EQ(statement->execute(PackedRow({&text, &number, nullptr}).get(), error), 0);
+    const std::string number = rawBytes(5);
+    EXPECT_EQ(statement->execute(PackedRow({text, number, std::nullopt}).get(), error), 0);
     EXPECT_EQ(lastRow()[0].isNull(), !safe);
     EXPECT_EQ(lastRow()[1].isNull(), !safe);
     EXPECT_TRUE(lastRow()[2].isNull());
-    EXPECT_EQ(statement->execute(PackedRow({&text, nullptr, &text}).get(), error), 0);
+    EXPECT_EQ(statement->execute(PackedRow({text, std::nullopt, text}).get(), error), 0);
     EXPECT_EQ(lastRow()[0].bytes, "abc");
     EXPECT_EQ(lastRow()[1].isNull(), safe);
     Cells cells = {stringCell("ab"), nullCell(), stringCell("")};
@@ -186,11 +157,11 @@ TEST_F(ParametersTest, RefusesWhatDoesNotFit) {
   EXPECT_EQ(none->execute(error), 0);
   columns = {0, 1};
   ASSERT_EQ(two->setBindings(columns, types.data(), error), 0);
-  const std::string number = raw(1L);
-  const std::string farAway = raw(9223372036854775807L);
-  EXPECT_EQ(two->execute(PackedRow({&number, &farAway}).get(), error), -1);
+  const std::string number = rawBytes(1L);
+  const std::string farAway = rawBytes(9223372036854775807L);
+  EXPECT_EQ(two->execute(PackedRow({number, farAway}).get(), error), -1);
   EXPECT_EQ(said(), "dbaccess|error converting date");
-  EXPECT_EQ(two->execute(PackedRow({&number, &number}).get(), error), -1);
+  EXPECT_EQ(two->execute(PackedRow({number, number}).get(), error), -1);
   EXPECT_EQ(said(), "dbaccess|No param binding in effect");  // the failed binding has closed it
 }
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <tuple>
@@ -11,11 +10,10 @@
 
 #include "datatypes/data_types.h"
 #include "host/host.h"
-#include "standin/property_data_service.h"
 #include "tests/live/generated_row.h"
+#include "tests/live/live_driver.h"
 #include "tests/live/quirks.h"
 #include "zeldb/driver_log.h"
-#include "zeldb/plug_in.h"
 #include "zeldb/value_text.h"
 
 namespace live {
@@ -26,20 +24,6 @@ using namespace KORVEX::Zel::DB;
 constexpr int kRows = 100000;
 constexpr int kSafeRows = 10000;
 constexpr int kBatchRows = 500;
-
-std::string environment(const char* name) {
-  const char* const value = std::getenv(name);
-  if (value == nullptr) {
-    ADD_FAILURE() << name << " is not set; see scripts/databases";
-    return {};
-  }
-  return value;
-}
-
-Driver& driver() {
-  static zeldb::PlugIn plugIn(zeldb::PlugIn::defaultLibrary());
-  return plugIn.driver();
-}
 
 // A database, and whether the service asks for safe transfer.
 class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, bool>> {
@@ -52,11 +36,7 @@ class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, 
   using ConnectionPointer = std::unique_ptr<Connection, Release>;
 
   ConnectionPointer connect(const std::string& password) {
-    const KORVEX::Zel::PropertyDataService service(
-        quirks_.name, {{"DSN", environment(quirks_.dsnVariable)},
-                       {"User", environment("ZEL_TEST_USER")},
-                       {"Password", password},
-                       {"SafeTransfer", std::get<1>(GetParam()) ? "true" : "false"}});
+    const auto service = liveService(quirks_, password, std::get<1>(GetParam()));
     return ConnectionPointer(driver().createConnection(service));
   }
 
@@ -141,7 +121,7 @@ class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, 
   const Quirks& quirks_;
   zeldb::DriverLog log_;
   std::vector<LiveColumn> columns_ = liveColumns(quirks_);
-  GeneratedRow generated_{quirks_};
+  GeneratedRow generated_{quirks_, true};
   ConnectionPointer connection_;
 };
 

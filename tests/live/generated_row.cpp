@@ -11,6 +11,7 @@ using namespace DataTypes;
 constexpr std::int64_t kSecondsOfRange = 2'500'000'000;  // 1890 to 2049
 constexpr std::int64_t kSecondsOfDay = 86'400;
 constexpr std::size_t kMaxPieces = 30;
+constexpr std::size_t kBufferEnd = 128;
 constexpr std::size_t kFixedBytes = 8;
 constexpr std::size_t kMaxBytes = 200;
 
@@ -44,7 +45,7 @@ const std::vector<KORVEX::Zel::DB::Parameter>& GeneratedRow::make(int number) {
     row_[at].type = columns_[at].type;
     if (at == 0) {
       row_[at].value.int32 = number;
-    } else if (random() % 7 == 0) {
+    } else if (random() % 5 == 0) {
       row_[at].value.setNull();
     } else {
       fill(columns_[at].type, row_[at].value);
@@ -103,11 +104,12 @@ void GeneratedRow::fillString(DataValue& value) {
   for (std::size_t pieces = random() % kMaxPieces; pieces > 0; --pieces) {
     text_ += kPieces[random() % std::size(kPieces)];
   }
+  if (random() % 4 == 0) text_.assign(kBufferEnd - 1 + random() % 3, 'x');
   value.string = text_.c_str();
 }
 
 void GeneratedRow::fillBinary(DataValue& value) {
-  bytes_.resize(quirks_.binaryLengthsMayDiffer ? random() % kMaxBytes : kFixedBytes);
+  bytes_.resize(binaryLengthsDiffer_ ? random() % kMaxBytes : kFixedBytes);
   for (unsigned char& byte : bytes_) {
     byte = static_cast<unsigned char>(random());
   }

@@ -19,11 +19,15 @@ struct LiveColumn {
 // A column for every type that has values; the first one, "id", numbers the rows and is never NULL.
 std::vector<LiveColumn> liveColumns(const Quirks& quirks);
 
-// Rows of values that follow from their number alone: about one in seven NULL, the limits of the
-// types, empty texts and bytes, text in several scripts.
+// Rows of values that follow from their number alone: one in five NULL, the limits of the types,
+// empty texts and bytes, text in several scripts and of lengths at which drivers' buffers end.
 class GeneratedRow {
  public:
-  explicit GeneratedRow(const Quirks& quirks) : quirks_(quirks), columns_(liveColumns(quirks)) {}
+  // `inBatches`: the rows are sent as arrays, where some drivers want binaries of one length.
+  GeneratedRow(const Quirks& quirks, bool inBatches)
+      : quirks_(quirks),
+        binaryLengthsDiffer_(!inBatches || quirks.binaryLengthsMayDiffer),
+        columns_(liveColumns(quirks)) {}
 
   // The row's parameters, valid until the next call.
   const std::vector<KORVEX::Zel::DB::Parameter>& make(int number);
@@ -38,6 +42,7 @@ class GeneratedRow {
   std::int64_t upTo(std::int64_t limit);
 
   const Quirks& quirks_;
+  bool binaryLengthsDiffer_;
   std::vector<LiveColumn> columns_;
   std::vector<KORVEX::Zel::DB::Parameter> row_;
   std::uint64_t state_ = 0;
