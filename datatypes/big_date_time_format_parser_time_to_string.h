@@ -7,7 +7,7 @@ namespace DataTypes {
 // Prints a bigdatetime, microseconds since the epoch, by a picture.
 class BigDateTimeFormatParser_TimeToString final : public TimeFormatParser_TimeToString {
  public:
-  BigDateTimeFormatParser_TimeToString(long value, const char* zone, std::string& out)
+  BigDateTimeFormatParser_TimeToString(long value, const Zone* zone, std::string& out)
       : TimeFormatParser_TimeToString(value, 1000000, zone, out) {}
 };
 

@@ -51,20 +51,24 @@ bool breakDownUtc(long seconds, std::tm& out) {
   // Years begin on 1 March here, so that the leap day is the last one.
   const long shifted = days + 719468;
   const long era = floorDivide(shifted, 146097);
-  const long dayOfEra = shifted - era * 146097;
-  const long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const long marchMonth = (5 * dayOfYear + 2) / 153;
-  const int month = static_cast<int>(marchMonth < 10 ? marchMonth + 2 : marchMonth - 10);
-  const long year = yearOfEra + era * 400 + (month < 2 ? 1 : 0);
+  const auto dayOfEra = static_cast<unsigned>(shifted - era * 146097);
+  const unsigned yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const unsigned marchMonth = (5 * dayOfYear + 2) / 153;
+  const bool isNextYear = marchMonth >= 10;
+  const bool isLeapYear = yearOfEra % 4 == 0 && (yearOfEra % 100 != 0 || yearOfEra == 0);
+  const long year = yearOfEra + era * 400 + (isNextYear ? 1 : 0);
   if (year - 1900 > INT_MAX || year - 1900 < INT_MIN) return false;
 
   std::tm result{};
   result.tm_year = static_cast<int>(year - 1900);
-  result.tm_mon = month;
+  result.tm_mon = static_cast<int>(isNextYear ? marchMonth - 10 : marchMonth + 2);
   result.tm_mday = static_cast<int>(dayOfYear - (153 * marchMonth + 2) / 5 + 1);
-  result.tm_yday = static_cast<int>(days - daysFromCivil(year, 1, 1));
-  result.tm_wday = static_cast<int>((days % 7 + 11) % 7);  // day 0 was a Thursday
+  result.tm_yday =
+      static_cast<int>(isNextYear ? dayOfYear - 306 : dayOfYear + (isLeapYear ? 60 : 59));
+  // 146097 days are whole weeks, and 1 March 2000 was a Wednesday.
+  result.tm_wday = static_cast<int>((dayOfEra + 3) % 7);
   result.tm_hour = secondOfDay / 3600;
   result.tm_min = secondOfDay / 60 % 60;
   result.tm_sec = secondOfDay % 60;

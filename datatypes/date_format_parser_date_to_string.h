@@ -7,7 +7,7 @@ namespace DataTypes {
 // Prints a date, seconds since the epoch, by a picture.
 class DateFormatParser_DateToString final : public TimeFormatParser_TimeToString {
  public:
-  DateFormatParser_DateToString(long value, const char* zone, std::string& out)
+  DateFormatParser_DateToString(long value, const Zone* zone, std::string& out)
       : TimeFormatParser_TimeToString(value, 1, zone, out) {}
 };
 

@@ -64,6 +64,10 @@ inline constexpr auto kPointAndThree = [] {
   return texts;
 }();
 
+// 10^0 to 10^7.
+inline constexpr std::array<std::uint64_t, 8> kTenTo = {1,     10,     100,     1000,
+                                                        10000, 100000, 1000000, 10000000};
+
 }  // namespace detail
 
 // Writes a number below 100 as two digits.
@@ -157,12 +161,11 @@ inline std::uint64_t shortWord(const char* at, std::size_t count, const char* te
 // text that they are part of has at least eight characters.
 template <class Number>
 bool appendDigits(const char* at, std::size_t count, const char* textEnd, Number& value) {
-  constexpr std::uint64_t kTenTo[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000};
   constexpr std::uint64_t kEightDigits = 100000000;
   std::uint64_t group = 0;
   if (const std::size_t odd = count % 8; odd != 0) {
     if (!readEight(shortWord(at, odd, textEnd), group)) return false;
-    value = value * kTenTo[odd] + group;
+    value = value * detail::kTenTo[odd] + group;
     at += odd;
   }
   std::size_t left = count / 8;

@@ -7,7 +7,7 @@
 #include "datatypes/date_format_parser_date_to_string.h"
 #include "datatypes/time_format_parser_time_from_string.h"
 #include "datatypes/time_format_parser_time_to_string.h"
-#include "datatypes/time_zones.h"
+#include "datatypes/zone.h"
 
 namespace DataTypes {
 namespace {
@@ -16,11 +16,13 @@ namespace {
 template <class Printer>
 void print(long value, const char* picture, const char* zone, std::string& out) {
   out.clear();
-  if (picture == nullptr || !isValidTimezone(zone)) return;
+  const bool isUtc = zone == nullptr || *zone == '\0' || std::strcmp(zone, "UTC") == 0;
+  const Zone* known = isUtc ? nullptr : findZone(zone);
+  if (picture == nullptr || (!isUtc && (known == nullptr || !known->isKnown()))) return;
   try {
     const std::size_t length = std::strlen(picture);
     out.reserve(length + 1);
-    Printer printer(value, zone, out);
+    Printer printer(value, known, out);
     if (!printer.prepare() || !printer.Parse(picture, length)) out.clear();
   } catch (const std::exception&) {
     out.clear();

@@ -2,10 +2,22 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "datatypes/characters.h"
 
 namespace DataTypes {
+
+// A token or a literal character of a scanned picture.
+struct PictureStep {
+  unsigned char row;  // of the token table; kLiteral: none
+  char character;     // the literal, or the digit of the token
+  unsigned char letterCase;
+};
+
 namespace {
 
 using Parser = TimeFormatParser;
@@ -85,54 +97,99 @@ Parser::Case caseOf(const char* token, unsigned long length) {
   return upper == 0 ? Parser::kLower : Parser::kMixed;
 }
 
+constexpr unsigned char kLiteral = 255;
+static_assert(kTokenCount < kLiteral);
+
+// The token or literal that a picture begins with, and its length.
+PictureStep scanStep(const char* picture, unsigned long length, unsigned long& stepLength) {
+  stepLength = 1;
+  if (!isLetter(*picture)) return {kLiteral, *picture, Parser::kMixed};
+  const auto letter = static_cast<std::size_t>(toUpper(*picture) - 'A');
+  for (std::size_t i = kFirstRow[letter]; i < kFirstRow[letter + 1]; ++i) {
+    const unsigned long matched = matchLength(kTokens[i], picture, length);
+    if (matched == 0) continue;
+    stepLength = matched;
+    return {static_cast<unsigned char>(i), picture[matched - 1],
+            static_cast<unsigned char>(caseOf(picture, matched))};
+  }
+  return {kLiteral, *picture, Parser::kMixed};
+}
+
+// A picture taken apart. Pictures are used again and again, so each thread keeps the last few.
+class ScannedPicture {
+ public:
+  // Throws when memory runs out.
+  static const ScannedPicture& of(std::string_view picture) {
+    constexpr std::size_t kPictures = 8;
+    thread_local std::array<ScannedPicture, kPictures> pictures;
+    std::size_t slot = picture.size();
+    if (!picture.empty())
+      slot += static_cast<unsigned char>(picture.front()) +
+              3U * static_cast<unsigned char>(picture[picture.size() / 2]) +
+              5U * static_cast<unsigned char>(picture.back());
+    ScannedPicture& scanned = pictures[slot % kPictures];
+    return scanned.text_ == picture ? scanned : scanned.scan(picture);
+  }
+
+  const std::vector<PictureStep>& steps() const { return steps_; }
+  bool endsInQuote() const { return endsInQuote_; }
+
+ private:
+  const ScannedPicture& scan(std::string_view picture) {
+    // Should memory run out, the entry is that of the empty picture.
+    text_.clear();
+    steps_.clear();
+    endsInQuote_ = false;
+    std::vector<PictureStep> steps;
+    for (std::size_t at = 0; at < picture.size();) {
+      unsigned long length = 1;
+      if (picture[at] == '"')
+        endsInQuote_ = !endsInQuote_;
+      else if (endsInQuote_)
+        steps.push_back({kLiteral, picture[at], Parser::kMixed});
+      else
+        steps.push_back(scanStep(picture.data() + at, picture.size() - at, length));
+      at += length;
+    }
+    text_ = picture;
+    steps_ = std::move(steps);
+    return *this;
+  }
+
+  std::string text_;
+  std::vector<PictureStep> steps_;
+  bool endsInQuote_ = false;
+};
+
 }  // namespace
 
 void TimeFormatParser::OnFieldFM() {
   fillMode_ = fillMode_ == 0 ? 1 : 0;
 }
 
-unsigned long TimeFormatParser::scanToken(const char* picture, unsigned long length) {
-  if (!isLetter(*picture)) {
-    OnChar(*picture);
-    return 1;
+void TimeFormatParser::handle(const PictureStep& step) {
+  if (step.row == kLiteral) return OnChar(step.character);
+  const TokenRow& row = kTokens[step.row];
+  switch (row.kind) {
+    case TokenKind::kPlain:
+      return (this->*row.plain)();
+    case TokenKind::kCased:
+      return (this->*row.cased)(static_cast<Case>(step.letterCase));
+    case TokenKind::kDigit:
+      return OnFieldFFn(step.character);
+    case TokenKind::kExactMode:
+      exactMode_ = exactMode_ == 0 ? 1 : 0;
+      break;
   }
-  const auto letter = static_cast<std::size_t>(toUpper(*picture) - 'A');
-  for (std::size_t i = kFirstRow[letter]; i < kFirstRow[letter + 1]; ++i) {
-    const TokenRow& row = kTokens[i];
-    const unsigned long matched = matchLength(row, picture, length);
-    if (matched == 0) continue;
-    switch (row.kind) {
-      case TokenKind::kPlain:
-        (this->*row.plain)();
-        break;
-      case TokenKind::kCased:
-        (this->*row.cased)(caseOf(picture, matched));
-        break;
-      case TokenKind::kDigit:
-        OnFieldFFn(picture[matched - 1]);
-        break;
-      case TokenKind::kExactMode:
-        exactMode_ = exactMode_ == 0 ? 1 : 0;
-        break;
-    }
-    return matched;
-  }
-  OnChar(*picture);
-  return 1;
 }
 
 bool TimeFormatParser::Parse(const char* picture, unsigned long length) {
-  for (unsigned long at = 0; at < length;) {
-    if (picture[at] == '"') {
-      state_ = state_ == kInQuote ? kBetweenTokens : kInQuote;
-      ++at;
-    } else if (state_ == kInQuote) {
-      OnChar(picture[at++]);
-    } else {
-      at += scanToken(picture + at, length - at);
-    }
+  const ScannedPicture& scanned = ScannedPicture::of({picture, length});
+  for (const PictureStep& step : scanned.steps()) {
+    handle(step);
     if (!success_) return false;
   }
+  state_ = scanned.endsInQuote() ? kInQuote : kBetweenTokens;
   OnEndOfParse();
   if (!success_ || state_ != kBetweenTokens || !IsDone()) return false;
   return success_;

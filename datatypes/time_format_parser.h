@@ -76,9 +76,8 @@ class TimeFormatParser {
   // Where the scanner is.
   enum State { kBetweenTokens = 0, kInQuote = 1 };
 
-  // Handles what begins at `picture`, `length` characters before its end; returns how many
-  // characters that were.
-  unsigned long scanToken(const char* picture, unsigned long length);
+  // Calls the handler of a step.
+  void handle(const struct PictureStep& step);
 
   int state_ = kBetweenTokens;
   int fillMode_ = 0;   // FM: no padding

@@ -2,13 +2,13 @@
 
 #include "datatypes/calendar.h"
 #include "datatypes/digits.h"
-#include "datatypes/time_zones.h"
 #include "datatypes/zone.h"
 
 namespace DataTypes {
 namespace {
 
 constexpr long kMicrosPerSecond = 1000000;
+constexpr long kMicrosPerMilli = 1000;
 
 }  // namespace
 
@@ -21,34 +21,53 @@ bool TimeFormatParser_TimeToString::prepare() {
   if (__builtin_mul_overflow(seconds_, kMicrosPerSecond, &micros) ||
       __builtin_mul_overflow(value_, microsPerUnit, &valueMicros_))
     return false;
-  const char* zone = zone_ != nullptr && *zone_ != '\0' ? zone_ : nullptr;
-  long shifted = 0;
-  toTimeZone(micros, "UTC", zone, shifted);
+  bool failed = false;  // the display does not depend on it
+  const long shifted =
+      zone_ != nullptr ? zone_->wallClockMicros(micros / kMicrosPerMilli, failed) : micros;
   shiftedSeconds_ = shifted / kMicrosPerSecond;
   return breakDownUtc(shiftedSeconds_, time_);
 }
 
-void TimeFormatParser_TimeToString::number(long value, int width) {
-  char text[kMaxNumberText];
-  out_.append(text, printPadded(value, isFillMode() ? 0 : width, text));
+char* TimeFormatParser_TimeToString::reserve(std::size_t count) {
+  if (bufferUsed_ + count > kBufferBytes) flush();
+  char* const room = buffer_ + bufferUsed_;
+  bufferUsed_ += count;
+  return room;
 }
 
-void TimeFormatParser_TimeToString::name(const PictureName& text, unsigned width) {
-  if (!isFillMode() && text.length < width) out_.append(width - text.length, ' ');
-  out_.append(text.text, text.length);
+void TimeFormatParser_TimeToString::flush() {
+  out_.append(buffer_, bufferUsed_);
+  bufferUsed_ = 0;
+}
+
+void TimeFormatParser_TimeToString::text(std::string_view characters) {
+  flush();
+  out_.append(characters);
+}
+
+void TimeFormatParser_TimeToString::number(long value, int width) {
+  char* const room = reserve(kMaxNumberText);
+  const std::size_t length = printPadded(value, isFillMode() ? 0 : width, room);
+  bufferUsed_ -= kMaxNumberText - length;
+}
+
+void TimeFormatParser_TimeToString::name(const PictureName& picture, unsigned width) {
+  if (!isFillMode())
+    for (unsigned length = picture.length; length < width; ++length) OnChar(' ');
+  text({picture.text, picture.length});
 }
 
 void TimeFormatParser_TimeToString::fraction(long value, int width) {
-  char text[kMaxNumberText];
-  std::size_t length = printPadded(value, width, text);
+  char* const room = reserve(kMaxNumberText);
+  std::size_t length = printPadded(value, width, room);
   if (isFillMode())
-    while (length > 1 && text[length - 1] == '0') --length;
-  out_.append(text, length);
+    while (length > 1 && room[length - 1] == '0') --length;
+  bufferUsed_ -= kMaxNumberText - length;
 }
 
 void TimeFormatParser_TimeToString::OnFieldAM(Case letterCase) {
   static constexpr const char* kMarkers[3][2] = {{"Am", "Pm"}, {"AM", "PM"}, {"am", "pm"}};
-  out_ += kMarkers[letterCase][time_.tm_hour < 12 ? 0 : 1];
+  text(kMarkers[letterCase][time_.tm_hour < 12 ? 0 : 1]);
 }
 
 void TimeFormatParser_TimeToString::OnFieldDY(Case letterCase) {
@@ -91,7 +110,7 @@ void TimeFormatParser_TimeToString::OnFieldSSSSS() {
 
 bool TimeFormatParser_TimeToString::findZoneState(ZoneState& state) {
   constexpr long kMillisPerSecond = 1000;
-  const Zone* zone = findZone(zone_ != nullptr && *zone_ != '\0' ? zone_ : nullptr);
+  const Zone* zone = zone_ != nullptr ? zone_ : findZone(nullptr);
   if (zone == nullptr) {
     refuse();
     return false;
@@ -105,19 +124,19 @@ bool TimeFormatParser_TimeToString::findZoneState(ZoneState& state) {
 
 void TimeFormatParser_TimeToString::OnFieldTZD() {
   ZoneState state{};
-  if (findZoneState(state)) out_ += state.zone->displayName(state.isDaylight, false);
+  if (findZoneState(state)) text(state.zone->displayName(state.isDaylight, false));
 }
 
 void TimeFormatParser_TimeToString::OnFieldTZR() {
   ZoneState state{};
-  if (findZoneState(state)) out_ += state.zone->displayName(state.isDaylight, true);
+  if (findZoneState(state)) text(state.zone->displayName(state.isDaylight, true));
 }
 
 void TimeFormatParser_TimeToString::OnFieldTZH() {
   ZoneState state{};
   if (!findZoneState(state)) return;
   // The sign is the offset's, so that half an hour west of UTC is not shown as east of it.
-  if (state.offsetSeconds < 0) out_ += '-';
+  if (state.offsetSeconds < 0) OnChar('-');
   const long hours = state.offsetSeconds / 3600;
   number(hours < 0 ? -hours : hours, 2);
 }

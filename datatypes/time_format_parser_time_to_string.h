@@ -8,13 +8,14 @@
 
 namespace DataTypes {
 
+class Zone;
+
 // Prints a timestamp by a picture. Handlers append to the caller's string and may throw when memory
 // runs out.
 class TimeFormatParser_TimeToString : public TimeFormatParser {
  public:
-  // Milliseconds since the epoch; a null or empty zone means UTC. `zone` and `out` must outlive the
-  // parser.
-  TimeFormatParser_TimeToString(long value, const char* zone, std::string& out)
+  // Milliseconds since the epoch; a null zone means UTC. `zone` and `out` must outlive the parser.
+  TimeFormatParser_TimeToString(long value, const Zone* zone, std::string& out)
       : TimeFormatParser_TimeToString(value, 1000, zone, out) {}
 
   // Shifts the value to the zone and breaks it down. Returns false when it is too far from 1970 for
@@ -22,7 +23,7 @@ class TimeFormatParser_TimeToString : public TimeFormatParser {
   bool prepare();
 
   bool IsDone() override { return true; }
-  void OnChar(char c) override { out_ += c; }
+  void OnChar(char c) override { *reserve(1) = c; }
   void OnFieldAM(Case letterCase) override;
   void OnFieldPM(Case letterCase) override { OnFieldAM(letterCase); }
   void OnFieldD() override { number(time_.tm_wday + 1, 1); }
@@ -56,22 +57,30 @@ class TimeFormatParser_TimeToString : public TimeFormatParser {
   void OnFieldYY() override { number(year() % 100, 2); }
   void OnFieldYYY() override { number(year() % 1000, 3); }
   void OnFieldYYYY() override { number(year(), 4); }
+  void OnEndOfParse() override { flush(); }
 
  protected:
-  TimeFormatParser_TimeToString(long value, long unitsPerSecond, const char* zone, std::string& out)
+  TimeFormatParser_TimeToString(long value, long unitsPerSecond, const Zone* zone, std::string& out)
       : value_(value), unitsPerSecond_(unitsPerSecond), zone_(zone), out_(out) {}
 
  private:
   // The zone at the value's instant.
   struct ZoneState {
-    const class Zone* zone;
+    const Zone* zone;
     bool isDaylight;
     long offsetSeconds;
   };
 
+  static constexpr std::size_t kBufferBytes = 128;
+
   // The year as the printed 16-bit number.
   short year() const { return static_cast<short>(time_.tm_year + 1900L); }
 
+  // Room for `count` more characters, which become part of the text.
+  char* reserve(std::size_t count);
+  // Moves what has been printed to the caller's string.
+  void flush();
+  void text(std::string_view characters);
   // Appends a number padded with zeros to `width`, unless fill mode is on.
   void number(long value, int width);
   // Appends a name right-aligned in `width` columns, unless fill mode is on.
@@ -83,7 +92,7 @@ class TimeFormatParser_TimeToString : public TimeFormatParser {
 
   long value_;
   long unitsPerSecond_;
-  const char* zone_;
+  const Zone* zone_;
   std::string& out_;
   std::tm time_{};
   long seconds_ = 0;         // of the value, UTC
@@ -91,6 +100,8 @@ class TimeFormatParser_TimeToString : public TimeFormatParser {
   long valueMicros_ = 0;     // before the shift
   int fractionMicros_ = 0;   // negative for values before 1970
   bool isFractionInMillis_ = false;
+  std::size_t bufferUsed_ = 0;
+  char buffer_[kBufferBytes];
 };
 
 }  // namespace DataTypes

@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstring>
 #include <exception>
+#include <new>
 #include <vector>
 
 #include "datatypes/zone.h"
@@ -69,7 +70,6 @@ Zone::Zone(const char* name) : icu_(new Icu{createZone(name), nullptr}), name_(n
   if (icu_->zone == nullptr) throw std::bad_alloc();
   icu_->rules = dynamic_cast<const icu::BasicTimeZone*>(icu_->zone.get());
   identifier_ = identifierOf(*icu_->zone);
-  seasons_.resize(kSeasons);
 }
 
 Zone::~Zone() = default;
@@ -107,7 +107,8 @@ bool Zone::askDaylightTime(long utcMillis, bool& failed) const {
 // are asked for each time.
 bool Zone::isDaylightTime(long utcMillis, bool& failed) const {
   const auto index = static_cast<unsigned long>(utcMillis) >> kSeasonShift;
-  if (index >= kSeasons || seasons_.empty()) return askDaylightTime(utcMillis, failed);
+  if (index < kSeasons && seasons_ == nullptr) seasons_.reset(new (std::nothrow) Season[kSeasons]);
+  if (index >= kSeasons || seasons_ == nullptr) return askDaylightTime(utcMillis, failed);
   Season& season = seasons_[index];
   if (!season.isKnown && !readSeason(static_cast<long>(index << kSeasonShift), season))
     return askDaylightTime(utcMillis, failed);
@@ -137,10 +138,13 @@ bool Zone::readSeason(long begin, Season& season) const {
   return true;
 }
 
-long Zone::fromUtc(long utcMillis, bool& failed) const {
+long Zone::wallClockMicros(long utcMillis, bool& failed) const {
   const bool isDaylight = isDaylightTime(utcMillis, failed);
   refreshOffsets();
-  return utcMillis + rawOffsetMillis_ + (isDaylight ? daylightSavingsMillis_ : 0);
+  long micros = 0;
+  if (!toMicros(utcMillis + rawOffsetMillis_ + (isDaylight ? daylightSavingsMillis_ : 0), micros))
+    failed = true;
+  return micros;
 }
 
 const std::string& Zone::displayName(bool isDaylight, bool isLong) const {
@@ -199,7 +203,8 @@ bool toTimeZone(long micros, const char* fromZone, const char* toZone, long& out
     utc -= from->rawOffsetMillis();
     if (from->isDaylightTime(utc, failed)) utc -= from->daylightSavingsMillis();
   }
-  return toMicros(to->fromUtc(utc, failed), out) && !failed;
+  out = to->wallClockMicros(utc, failed);
+  return !failed;
 }
 
 bool toTimeZonePlain(long micros, const char* fromZone, const char* toZone, long& out) {

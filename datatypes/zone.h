@@ -3,7 +3,6 @@
 #include <array>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace DataTypes {
 
@@ -36,8 +35,9 @@ class Zone {
   // `failed` when that cannot be told.
   bool isDaylightTime(long utcMillis, bool& failed) const;
 
-  // Wall-clock milliseconds of an instant.
-  long fromUtc(long utcMillis, bool& failed) const;
+  // Wall-clock microseconds of an instant in milliseconds, or the nearest that fit 64 bits;
+  // `failed` is set when they do not.
+  long wallClockMicros(long utcMillis, bool& failed) const;
 
   // The long or short display name, for standard or daylight time, in the default locale of the
   // time it was first asked for. Throws only when memory runs out.
@@ -64,7 +64,7 @@ class Zone {
   mutable long offsetsMinute_ = -1;  // the minute of the clock that the two offsets are of
   mutable long rawOffsetMillis_ = 0;
   mutable long daylightSavingsMillis_ = 0;
-  mutable std::vector<Season> seasons_;  // from 1970 on, filled when they are asked for
+  mutable std::unique_ptr<Season[]> seasons_;  // from 1970 on, filled when they are asked for
   mutable std::array<std::string, 4> displayNames_;
 };
 
