@@ -30,6 +30,7 @@ void CheckVerb::run(Connector& connector) {
   line("user", service.properties.at("User"));
   line("driver", connector.options().driver.string());
   line("database type", session->databaseType());
+  line("safe transfer", service.properties.at("SafeTransfer") == "true" ? "on" : "off");
   line("connected in", fmt::format("{:.1f} ms", taken.count()));
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "zeldb/first_generation_session.h"
 #include "zeldb/plug_in.h"
 #include "zeldb/service.h"
 #include "zeldb/session.h"
@@ -28,9 +29,13 @@ class Connector {
   Service service(const std::string& name) const;
 
   // Loads the plug-in when it is not yet, and connects. Throws Failure.
-  std::unique_ptr<Session> connect(const Service& service);
+  std::unique_ptr<FirstGenerationSession> connect(const Service& service);
+  // The same over the driver's interface of the generation, 1 or 2.
+  std::unique_ptr<Session> connect(const Service& service, int generation);
 
  private:
+  KORVEX::Zel::DB::Driver& driver();
+
   ConnectorOptions options_;
   std::optional<PlugIn> plugIn_;
 };

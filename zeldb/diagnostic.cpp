@@ -49,6 +49,17 @@ std::optional<Diagnostic> Diagnostic::parse(std::string_view text) {
   return diagnostic;
 }
 
+std::optional<Diagnostic> Diagnostic::fromRecord(std::string_view text, int native) {
+  const auto returnCode = takeBracketed(text);
+  const auto state = returnCode ? takeBracketed(text) : std::nullopt;
+  if (!state || state->size() != 5) {
+    return std::nullopt;
+  }
+  Diagnostic diagnostic{std::string(*state), std::to_string(native), std::string(text)};
+  std::replace(diagnostic.message.begin(), diagnostic.message.end(), '\n', ' ');
+  return diagnostic;
+}
+
 ExitCode Diagnostic::exitCode() const {
   const auto* const row = std::find_if(
       kStateClasses.begin(), kStateClasses.end(),

@@ -17,6 +17,9 @@ struct Diagnostic {
   // Nothing when the text has no such form.
   static std::optional<Diagnostic> parse(std::string_view text);
 
+  // The same for the text of an error record, "[return code][SQLSTATE]message".
+  static std::optional<Diagnostic> fromRecord(std::string_view text, int native);
+
   // The exit code that the SQLSTATE stands for.
   ExitCode exitCode() const;
 

@@ -19,8 +19,12 @@ class FirstGenerationSession : public Session {
   FirstGenerationSession(KORVEX::Zel::DB::Driver& driver, const Service& service);
   ~FirstGenerationSession() override;
 
-  std::string databaseType() override;
-  std::vector<ResultColumn> describeTable(const std::string& table) override;
+  // The driver's name for the kind of database ("POSTGRESQL", "OTHERS").
+  std::string databaseType();
+  // The columns of a table as the catalogue knows them, with sized decimals; empty when it does not
+  // know the table.
+  std::vector<ResultColumn> describeTable(const std::string& table);
+
   std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
   std::int64_t update(const std::string& sql, const Parameters& params) override;
   std::unique_ptr<BatchWriter> insert(const std::string& sql) override;

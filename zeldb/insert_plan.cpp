@@ -14,7 +14,7 @@ namespace zeldb {
 namespace {
 
 // The columns as a query names them; the catalogue knows their types better, where it knows them.
-std::vector<ResultColumn> columnsOf(Session& session, const std::string& table) {
+std::vector<ResultColumn> columnsOf(FirstGenerationSession& session, const std::string& table) {
   std::vector<ResultColumn> columns =
       session.query(fmt::format("select * from {} where 1 = 0", table), {})->columns();
   for (const ResultColumn& described : session.describeTable(table)) {
@@ -69,8 +69,9 @@ std::string insertStatement(const std::string& table, const std::vector<ResultCo
 
 }  // namespace
 
-InsertPlan planInsert(Session& session, const std::string& table, const std::string& file,
-                      const CsvRecord& header, const std::map<std::string, unsigned int>& types) {
+InsertPlan planInsert(FirstGenerationSession& session, const std::string& table,
+                      const std::string& file, const CsvRecord& header,
+                      const std::map<std::string, unsigned int>& types) {
   checkTypesAreUsed(types, header, file);
   const std::vector<ResultColumn> known = columnsOf(session, table);
   InsertPlan plan;

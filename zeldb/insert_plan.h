@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "zeldb/csv_reader.h"
+#include "zeldb/first_generation_session.h"
 #include "zeldb/row_writer.h"
-#include "zeldb/session.h"
 
 namespace zeldb {
 
@@ -21,7 +21,8 @@ struct InsertPlan {
 // without regard to case. Types are those of `types` (by the header's names), else those that the
 // database describes. Throws Failure naming `file`, line and field when a column is missing or
 // comes twice, and when a type names a column that the file does not have.
-InsertPlan planInsert(Session& session, const std::string& table, const std::string& file,
-                      const CsvRecord& header, const std::map<std::string, unsigned int>& types);
+InsertPlan planInsert(FirstGenerationSession& session, const std::string& table,
+                      const std::string& file, const CsvRecord& header,
+                      const std::map<std::string, unsigned int>& types);
 
 }  // namespace zeldb

@@ -8,6 +8,7 @@
 #include "zeldb/column_type.h"
 #include "zeldb/connector.h"
 #include "zeldb/failure.h"
+#include "zeldb/generation_option.h"
 #include "zeldb/insert_plan.h"
 
 namespace zeldb {
@@ -27,6 +28,7 @@ CLI::App* LoadVerb::declare(CLI::App& app) {
       ->check(CLI::Range(std::size_t{1}, kMaxBatchRows))
       ->capture_default_str();
   verb->add_flag("--one-transaction", options_.oneTransaction, "Commit only once, at the end");
+  addGenerationOption(*verb, generation_);
   return verb;
 }
 
@@ -38,8 +40,8 @@ void LoadVerb::run(Connector& connector) {
   if (header == nullptr) {
     throw Failure(ExitCode::kFile, fmt::format("{}:1:1: the file has no header", file_));
   }
-  const auto session = connector.connect(service);
-  const InsertPlan plan = planInsert(*session, table_, file_, *header, types);
+  const InsertPlan plan = planInsert(*connector.connect(service), table_, file_, *header, types);
+  const auto session = connector.connect(service, generation_);
   const auto rows = Loader(*session, reader, plan, options_).run();
   std::cout << fmt::format("{} row{} loaded into {}\n", rows, rows == 1 ? "" : "s", table_);
 }

@@ -19,6 +19,7 @@ class LoadVerb : public Verb {
   std::string file_;
   std::string types_;
   LoadOptions options_;
+  int generation_ = 1;
 };
 
 }  // namespace zeldb

@@ -70,7 +70,11 @@ void Loader::addRecord(const CsvRecord& record) {
     firstLine_ = record.line;
   }
   lastLine_ = record.line;
-  batch_->add(row_);
+  try {
+    batch_->add(row_);
+  } catch (const Failure& failure) {
+    throw Failure(failure.exitCode(), fmt::format("{}: {}", place(record, 0), failure.what()));
+  }
   ++batchedRows_;
 }
 

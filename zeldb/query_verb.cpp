@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "zeldb/connector.h"
+#include "zeldb/generation_option.h"
 #include "zeldb/interrupt.h"
 #include "zeldb/query_parameters.h"
 #include "zeldb/statement_kind.h"
@@ -19,12 +20,13 @@ CLI::App* QueryVerb::declare(CLI::App& app) {
   verb->add_option("SQL", sql_, "The statement, with ? for each parameter")->required();
   verb->add_option("--param", params_, "TYPE:VALUE of the next ?; TYPE alone is NULL")
       ->allow_extra_args(false);
+  addGenerationOption(*verb, generation_);
   return verb;
 }
 
 void QueryVerb::run(Connector& connector) {
   const QueryParameters params(params_);
-  const auto session = connector.connect(connector.service(service_));
+  const auto session = connector.connect(connector.service(service_), generation_);
   if (isUpdateStatement(sql_)) {
     const auto rows = session->update(sql_, params.values());
     session->commit();

@@ -20,6 +20,7 @@ class QueryVerb : public Verb {
   std::string service_;
   std::string sql_;
   std::vector<std::string> params_;
+  int generation_ = 1;
 };
 
 }  // namespace zeldb

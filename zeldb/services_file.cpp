@@ -24,7 +24,7 @@ struct Key {
   bool required;
 };
 
-constexpr std::array<Key, 7> kKeys = {{
+constexpr std::array<Key, 8> kKeys = {{
     {"DSN", "DSN", KeyKind::kText, true},
     {"User", "User", KeyKind::kText, true},
     {"Password", "Password", KeyKind::kText, false},
@@ -32,6 +32,7 @@ constexpr std::array<Key, 7> kKeys = {{
     {"password_file", "Password", KeyKind::kPasswordFile, false},
     {"DatabaseType", "DatabaseType", KeyKind::kText, false},
     {"WriteBigIntAsChar", "WriteBigIntAsChar", KeyKind::kBool, false},
+    {"SafeTransfer", "SafeTransfer", KeyKind::kBool, false},
 }};
 
 // Reads one service out of the parsed file.
@@ -49,7 +50,11 @@ class ServiceReader {
       fail(node->source(), fmt::format("\"{}\" is no table of a service", name));
     }
     service_.name = name;
-    for (const auto& [key, value] : *node->as_table()) {
+    const auto& table = *node->as_table();
+    if (!table.contains("SafeTransfer")) {
+      service_.properties["SafeTransfer"] = "true";
+    }
+    for (const auto& [key, value] : table) {
       readKey(key, value);
     }
     for (const Key& key : kKeys) {

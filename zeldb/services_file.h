@@ -16,6 +16,7 @@ namespace zeldb {
 //   Password = "..."                 or password_env = "NAME", or password_file = "path"
 //   DatabaseType = "POSTGRESQL"      optional
 //   WriteBigIntAsChar = true         optional
+//   SafeTransfer = false             optional; true when not given
 //
 // A password file's path counts from the folder of the services file; its first line is taken.
 class ServicesFile {

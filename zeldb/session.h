@@ -39,11 +39,6 @@ class BatchWriter {
 class Session {
  public:
   virtual ~Session() = default;
-  // The driver's name for the kind of database ("POSTGRESQL", "OTHERS").
-  virtual std::string databaseType() = 0;
-  // The columns of a table as the catalogue knows them, with sized decimals; empty when it does not
-  // know the table.
-  virtual std::vector<ResultColumn> describeTable(const std::string& table) = 0;
   virtual std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) = 0;
   // Returns the number of rows changed, or -1 when the database does not tell.
   virtual std::int64_t update(const std::string& sql, const Parameters& params) = 0;

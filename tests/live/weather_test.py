@@ -45,24 +45,29 @@ DATABASES = {  # client, type of the numbers, the date as text
 }
 
 
-def main(database):
-    client, number, date = DATABASES[database]
-    client("drop table if exists weather")
-    client(f"create table weather ({COLUMNS.format(number)})")
+def load(database, generation):
     with tempfile.TemporaryDirectory() as folder:
         services = pathlib.Path(folder) / "zeldb.toml"
         services.write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
                             'password_env = "ZEL_TEST_PASSWORD"\n', encoding="utf-8")
         print(run(os.environ["ZELDB"], "--services", str(services), "load", "live", "weather",
-                  str(EXAMPLE)))
+                  str(EXAMPLE), "--generation", generation))
+
+
+def main(database):
+    client, number, date = DATABASES[database]
     with open(EXAMPLE, newline="", encoding="utf-8") as example:
         sent = list(csv.reader(example))[1:]
-    got = list(csv.reader(io.StringIO(client(SELECT.format(date)))))
-    for row, (want, have) in enumerate(zip(sent, got), start=2):
-        if want != have:
-            sys.exit(f"{EXAMPLE}:{row}: sent {want}, read {have}")
-    if len(sent) != len(got):
-        sys.exit(f"sent {len(sent)} rows, read {len(got)}")
+    for generation in "12":
+        client("drop table if exists weather")
+        client(f"create table weather ({COLUMNS.format(number)})")
+        load(database, generation)
+        got = list(csv.reader(io.StringIO(client(SELECT.format(date)))))
+        for row, (want, have) in enumerate(zip(sent, got), start=2):
+            if want != have:
+                sys.exit(f"{EXAMPLE}:{row}: sent {want}, read {have}")
+        if len(sent) != len(got):
+            sys.exit(f"sent {len(sent)} rows, read {len(got)}")
 
 
 main(*sys.argv[1:])

@@ -31,17 +31,20 @@ DSN = "db1"
 User = "app"
 password_file = "secret"
 WriteBigIntAsChar = false
+SafeTransfer = false
 )"));
   using Properties = KORVEX::Zel::PropertyDataService::Properties;
   EXPECT_EQ(file.find("orders").properties, (Properties{{"DSN", "db1"},
                                                         {"User", "app"},
                                                         {"Password", "p=;"},
                                                         {"DatabaseType", "POSTGRESQL"},
+                                                        {"SafeTransfer", "true"},
                                                         {"WriteBigIntAsChar", "true"}}));
   EXPECT_EQ(file.find("orders").name, "orders");
   EXPECT_EQ(file.find("by_env").properties.at("Password"), "from env");
   EXPECT_EQ(file.find("by_file").properties.at("Password"), "p w");
   EXPECT_EQ(file.find("by_file").properties.at("WriteBigIntAsChar"), "false");
+  EXPECT_EQ(file.find("by_file").properties.at("SafeTransfer"), "false");
 }
 
 TEST(ServicesFile, NamesThePlaceOfAFault) {

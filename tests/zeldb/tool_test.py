@@ -103,6 +103,7 @@ class CommandLine(ToolCase):
         done = self.run_tool("check", "s")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertRegex(done.stdout, r"(?m)^database type +OTHERS$")
+        self.assertRegex(done.stdout, r"(?m)^safe transfer +on$")
         self.expect(self.run_tool("check", "gone"), 3, r'service "gone": .*\(SQLSTATE IM002, .*\)')
 
 
@@ -114,13 +115,18 @@ class Query(ToolCase):
                              "--param", "float:0.1", "--param", "string:a:b é",
                              "--param", "bigdatetime:2024-02-29 01:02:03", "--param", "binary")
         self.assertEqual((done.returncode, done.stdout), (0, "1 row changed\n"), done.stderr)
-        done = self.run_tool("query", "s", "select id, big, price, name, at, raw from t")
+        self.check_row("1")
+        self.check_row("2")
+
+    def check_row(self, generation):
+        done = self.run_tool("query", "s", "select id, big, price, name, at from t",
+                             "--generation", generation)
         self.assertEqual(done.stderr, "")
-        self.assertEqual(done.stdout.splitlines(), [
-            "id  big                  price  name   at                          raw",
-            "--  -------------------  -----  -----  --------------------------  ---",
-            " 7  9223372036854775807    0.1  a:b é  2024-02-29 01:02:03.000000",
-            "(1 row)"])
+        self.assertEqual([re.split(" {2,}", line.strip()) for line in done.stdout.splitlines()], [
+            ["id", "big", "price", "name", "at"],
+            ["--", "-" * 19, "-----", "-----", "-" * 26],
+            ["7", "9223372036854775807", "0.1", "a:b é", "2024-02-29 01:02:03.000000"],
+            ["(1 row)"]])
 
     def test_statements_without_rows(self):
         for sql, output in [("delete from t", "0 rows changed\n"),
@@ -135,6 +141,15 @@ class Query(ToolCase):
         for sql in ("select * from nowhere", "selec 1", "insert into t (id) values ('x', 'y')"):
             self.expect(self.run_tool("query", "s", sql), 4, r".+ \(SQLSTATE \w{5}, native -?\d+\)")
 
+    def test_the_second_generation_refuses_alike(self):
+        for sql, code in [("select * from nowhere", 4), ("insert into t (id) values (1, 2)", 4)]:
+            self.expect(self.run_tool("query", "s", sql, "--generation", "2"), code,
+                        r"statement: .+ \(SQLSTATE \w{5}, native -?\d+\)")
+        self.expect(self.run_tool("query", "gone", "select 1", "--generation", "2"), 3,
+                    r'service "gone": .+ \(SQLSTATE IM002, native 0\)')
+        self.expect(self.load(HEAD + "1,,,,,\n1,,,,,\n", "--generation", "2"), 4,
+                    r"f.csv:3:1: statement: .*UNIQUE.*; 0 rows are committed")
+
     def test_a_long_result_is_whole(self):
         sql = "with recursive c(x) as (select 1 union all select x + 1 from c where x < 5000) " \
               "select x from c"
@@ -144,11 +159,17 @@ class Query(ToolCase):
 
 class Load(ToolCase):
     def test_every_value_arrives(self):
+        for generation in "12":
+            with self.subTest(generation):
+                self.sql("delete from t")
+                self.check_every_value(generation)
+
+    def check_every_value(self, generation):
         done = self.load('name,id,"big",PRICE,at,raw\n'
                          '"line\none, ""quoted""",1,-9223372036854775808,0.1,1969-12-31T23:59:59,'
                          '00FF\n'
                          '"",2,,,,\n'
-                         ',3,0,1e300,2024-02-29,"41"\n')
+                         ',3,0,1e300,2024-02-29,"41"\n', "--generation", generation)
         self.assertEqual((done.returncode, done.stdout, done.stderr),
                          (0, "3 rows loaded into t\n", ""))
         self.assertEqual(
@@ -206,8 +227,8 @@ class Load(ToolCase):
     def test_failures_of_the_database(self):
         text = HEAD + "".join(f"{n},,,,,\n" for n in range(1, 6))
         cases = [  # fault, exit code, complaint, rows in the table
-            ("SQLEndTran 2 08S01", 7, r"in doubt, .*08S01.*", 4),
-            ("SQLEndTran -2 40001", 4, r"commit: .*40001.*", 2),
+            ("SQLEndTran 3 08S01", 7, r"in doubt, .*08S01.*", 4),
+            ("SQLEndTran -3 40001", 4, r"commit: .*40001.*", 2),
             ("SQLExecute -3 08S01", 3, r".*08S01.*", 2),
             ("SQLExecute -3 HYT00", 5, r".*HYT00.*", 2),
         ]
