@@ -1,0 +1,105 @@
+// The floor: an ODBC program without a layer, making the calls that the plug-in makes.
+
+#include <sql.h>
+#include <sqlext.h>
+
+#include <array>
+#include <stdexcept>
+
+#include "fetch.h"
+
+namespace bench {
+
+namespace {
+
+void check(SQLRETURN rc, SQLSMALLINT type, SQLHANDLE handle, const char* call) {
+  if (SQL_SUCCEEDED(rc)) return;
+  std::array<SQLCHAR, 512> message{};
+  SQLGetDiagRec(type, handle, 1, nullptr, nullptr, message.data(), 511, nullptr);
+  throw std::runtime_error(std::string(call) + ": " +
+                           reinterpret_cast<const char*>(message.data()));
+}
+
+SQLCHAR* text(const std::string& chars) {
+  return reinterpret_cast<SQLCHAR*>(const_cast<char*>(chars.c_str()));
+}
+
+SQLPOINTER number(SQLULEN value) {
+  return reinterpret_cast<SQLPOINTER>(value);
+}
+
+struct ColumnRead {
+  SQLSMALLINT cType;
+  SQLLEN bytes;
+};
+
+// What each generation asks SQLGetData for.
+constexpr ColumnRead kReads[2][kColumns] = {
+    {{SQL_C_LONG, 8},
+     {SQL_C_CHAR, 21},
+     {SQL_C_DOUBLE, 8},
+     {SQL_C_CHAR, 21},
+     {SQL_C_TYPE_TIMESTAMP, 16},
+     {SQL_C_CHAR, 22},
+     {SQL_C_BIT, 1}},
+    {{SQL_C_SLONG, 4},
+     {SQL_C_SBIGINT, 8},
+     {SQL_C_DOUBLE, 8},
+     {SQL_C_CHAR, 128},
+     {SQL_C_TYPE_TIMESTAMP, 16},
+     {SQL_C_CHAR, 32},
+     {SQL_C_BIT, 1}},
+};
+
+class PlainReader : public Reader {
+ public:
+  PlainReader(const DataSource& source, int generation) : reads_(kReads[generation - 1]) {
+    SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env_);
+    SQLSetEnvAttr(env_, SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), SQL_IS_UINTEGER);
+    SQLAllocHandle(SQL_HANDLE_DBC, env_, &dbc_);
+    SQLSetConnectAttr(dbc_, SQL_ATTR_AUTOCOMMIT, number(SQL_AUTOCOMMIT_OFF), SQL_IS_UINTEGER);
+    check(SQLConnect(dbc_, text(source.dsn), SQL_NTS, text(source.user), SQL_NTS,
+                     text(source.password), SQL_NTS),
+          SQL_HANDLE_DBC, dbc_, "SQLConnect");
+  }
+
+  ~PlainReader() override {
+    SQLEndTran(SQL_HANDLE_DBC, dbc_, SQL_ROLLBACK);
+    SQLDisconnect(dbc_);
+    SQLFreeHandle(SQL_HANDLE_DBC, dbc_);
+    SQLFreeHandle(SQL_HANDLE_ENV, env_);
+  }
+
+  int read() override {
+    SQLHSTMT stmt = SQL_NULL_HSTMT;
+    check(SQLAllocHandle(SQL_HANDLE_STMT, dbc_, &stmt), SQL_HANDLE_DBC, dbc_, "SQLAllocHandle");
+    check(SQLPrepare(stmt, text(kQuery), SQL_NTS), SQL_HANDLE_STMT, stmt, "SQLPrepare");
+    check(SQLExecute(stmt), SQL_HANDLE_STMT, stmt, "SQLExecute");
+    std::array<char, 128> value{};
+    int rows = 0;
+    for (SQLRETURN rc = SQLFetch(stmt); rc != SQL_NO_DATA; rc = SQLFetch(stmt), ++rows) {
+      check(rc, SQL_HANDLE_STMT, stmt, "SQLFetch");
+      for (int column = 0; column < kColumns; ++column) {
+        SQLLEN indicator = 0;
+        rc = SQLGetData(stmt, static_cast<SQLUSMALLINT>(column + 1), reads_[column].cType,
+                        value.data(), reads_[column].bytes, &indicator);
+        if (rc != SQL_SUCCESS) check(rc, SQL_HANDLE_STMT, stmt, "SQLGetData");
+      }
+    }
+    SQLFreeHandle(SQL_HANDLE_STMT, stmt);
+    return rows;
+  }
+
+ private:
+  const ColumnRead* reads_;
+  SQLHENV env_ = SQL_NULL_HENV;
+  SQLHDBC dbc_ = SQL_NULL_HDBC;
+};
+
+}  // namespace
+
+std::unique_ptr<Reader> makePlainReader(const DataSource& source, int generation) {
+  return std::make_unique<PlainReader>(source, generation);
+}
+
+}  // namespace bench
