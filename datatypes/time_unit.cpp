@@ -2,6 +2,7 @@
 
 #include <array>
 #include <climits>
+#include <cstddef>
 #include <new>
 #include <string_view>
 
@@ -33,8 +34,12 @@ constexpr std::array<long, kUnits.size()> kUnitMaxima = [] {
   return maxima;
 }();
 
+std::size_t indexOf(TimeUnit unit) {
+  return static_cast<std::size_t>(unit - MICROSECOND);
+}
+
 const UnitRow* unitRow(TimeUnit unit) {
-  return unit >= MICROSECOND && unit <= DAY ? &kUnits[unit - MICROSECOND] : nullptr;
+  return unit >= MICROSECOND && unit <= DAY ? &kUnits[indexOf(unit)] : nullptr;
 }
 
 std::string toText(long number) {
@@ -77,7 +82,7 @@ std::string getTimeUnitStr(TimeUnit unit) {
 }
 
 long getTimeUnitMax(TimeUnit unit) {
-  return unitRow(unit) != nullptr ? kUnitMaxima[unit - MICROSECOND] : 0;
+  return unitRow(unit) != nullptr ? kUnitMaxima[indexOf(unit)] : 0;
 }
 
 std::string getTimeUnitMaxStr(TimeUnit unit) {

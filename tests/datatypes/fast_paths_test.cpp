@@ -257,7 +257,7 @@ TEST_F(FastPaths, InstantsToText) {
   for (const long edge : {LONG_MIN, LONG_MAX - 1, 0L, -1L, -62167219201L, -62167219200L,
                           253402300799L, 253402300800L, -62167219200001L, 253402300799999L})
     for (const long value : {edge, edge + 1}) expectSameInstantTexts(value);
-  for (long day = -719600; day < 2932960; day += 7) expectSameInstantTexts(day * 86400 - 1);
+  for (long day = -719600; day < 2932960; day += 61) expectSameInstantTexts(day * 86400 - 1);
   for (int i = 0; i < kRounds / 20; ++i) expectSameInstantTexts(number());
 }
 
