@@ -161,8 +161,7 @@ bool parseDecimal(const char* text, int scale, Uint128& coefficient) {
   const std::size_t integerDigits = length - behindInteger;
   const bool hasPoint = decimals == 0 || begin[integerDigits] == '.' || begin[integerDigits] == ',';
   Uint128 value = 0;
-  if (!hasPoint || !appendDigits(begin, integerDigits, end, value) ||
-      !appendDigits(end - decimals, decimals, end, value))
+  if (!hasPoint || !readDigits(begin, end, static_cast<unsigned>(decimals), value))
     return parseDecimalPlain(text, scale, coefficient);
   coefficient = *text == '-' ? -value : value;
   return true;

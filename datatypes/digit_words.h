@@ -179,4 +179,31 @@ bool appendDigits(const char* at, std::size_t count, const char* textEnd, Number
   return true;
 }
 
+// Reads the last eight characters of a text, a point before the last `decimals` digits (one to
+// seven) and digits, as a number of seven digits. The point itself is not looked at.
+inline bool readAroundPoint(const char* textEnd, unsigned decimals, std::uint64_t& value) {
+  const std::uint64_t word = wordAt(textEnd - 8);
+  const std::uint64_t beforePoint = (1ULL << (7 - decimals) * 8) - 1;
+  // The digits before the point move over it and make room for a "0".
+  return readEight((word & beforePoint) << 8 | '0' | (word & ~(beforePoint << 8 | 0xFF)), value);
+}
+
+// Reads digits with a point before the last `decimals` of them, at least eight characters to
+// `textEnd`; false when one is none. The value must have room for them.
+template <class Number>
+bool readDigits(const char* begin, const char* textEnd, unsigned decimals, Number& value) {
+  constexpr std::uint64_t kSevenDigits = 10000000;
+  const auto length = static_cast<std::size_t>(textEnd - begin);
+  value = 0;
+  if (decimals == 0) return appendDigits(begin, length, textEnd, value);
+  if (decimals > 7)
+    return appendDigits(begin, length - decimals - 1, textEnd, value) &&
+           appendDigits(textEnd - decimals, decimals, textEnd, value);
+  std::uint64_t tail = 0;
+  if (!appendDigits(begin, length - 8, textEnd, value) || !readAroundPoint(textEnd, decimals, tail))
+    return false;
+  value = value * kSevenDigits + tail;
+  return true;
+}
+
 }  // namespace DataTypes

@@ -17,11 +17,17 @@ std::size_t printPaddedPlain(long value, int width, char* out) {
 }
 
 // "%0*lld" writes the sign first and counts it in the width; the digits fill what is left, or what
-// they need. Pictures print two digits most often.
+// they need. Two digits are what pictures print most often, four are years.
 std::size_t printPadded(long value, int width, char* out) {
-  if (width == 2 && value >= 0 && value < 100) {
-    putPair(out, static_cast<unsigned>(value));
+  const auto number = static_cast<unsigned long>(value);  // of a negative one: very large
+  if (width == 2 && number < 100) {
+    putPair(out, static_cast<unsigned>(number));
     return 2;
+  }
+  if (width == 4 && number < 10000) {
+    putPair(out, static_cast<unsigned>(number / 100));
+    putPair(out + 2, static_cast<unsigned>(number % 100));
+    return 4;
   }
   char* at = out;
   // Unsigned, so that the most negative number has a magnitude.

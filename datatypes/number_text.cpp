@@ -182,8 +182,7 @@ NumberStatus parseMoney(const char* text, unsigned decimals, long factor, long& 
     return parseMoneyPlain(text, decimals, factor, value);
   const std::size_t integerDigits = length - decimals - 1;
   std::uint64_t amount = 0;
-  if (begin[integerDigits] != '.' || !appendDigits(begin, integerDigits, end, amount) ||
-      !appendDigits(end - decimals, decimals, end, amount))
+  if (begin[integerDigits] != '.' || !readDigits(begin, end, decimals, amount))
     return parseMoneyPlain(text, decimals, factor, value);
   const auto magnitude = static_cast<long>(amount);
   value = *text == '-' ? -magnitude : magnitude;

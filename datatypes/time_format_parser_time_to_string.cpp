@@ -28,13 +28,6 @@ bool TimeFormatParser_TimeToString::prepare() {
   return breakDownUtc(shiftedSeconds_, time_);
 }
 
-char* TimeFormatParser_TimeToString::reserve(std::size_t count) {
-  if (bufferUsed_ + count > kBufferBytes) flush();
-  char* const room = buffer_ + bufferUsed_;
-  bufferUsed_ += count;
-  return room;
-}
-
 void TimeFormatParser_TimeToString::flush() {
   out_.append(buffer_, bufferUsed_);
   bufferUsed_ = 0;
@@ -96,12 +89,11 @@ void TimeFormatParser_TimeToString::OnFieldFF() {
 }
 
 void TimeFormatParser_TimeToString::OnFieldFFn(char digit) {
-  constexpr int kMicrosDigits = 6;
+  // What turns microseconds into one to nine digits of a second.
+  static constexpr int kDivisors[] = {0, 100000, 10000, 1000, 100, 10, 1, 1, 1, 1};
+  static constexpr int kFactors[] = {0, 1, 1, 1, 1, 1, 1, 10, 100, 1000};
   const int digits = digit - '0';
-  long value = fractionMicros_;
-  for (int i = digits; i < kMicrosDigits; ++i) value /= 10;
-  for (int i = kMicrosDigits; i < digits; ++i) value *= 10;
-  fraction(value, digits);
+  fraction(long{fractionMicros_} / kDivisors[digits] * kFactors[digits], digits);
 }
 
 void TimeFormatParser_TimeToString::OnFieldSSSSS() {

@@ -77,7 +77,12 @@ class TimeFormatParser_TimeToString : public TimeFormatParser {
   short year() const { return static_cast<short>(time_.tm_year + 1900L); }
 
   // Room for `count` more characters, which become part of the text.
-  char* reserve(std::size_t count);
+  char* reserve(std::size_t count) {
+    if (bufferUsed_ + count > kBufferBytes) flush();
+    char* const room = buffer_ + bufferUsed_;
+    bufferUsed_ += count;
+    return room;
+  }
   // Moves what has been printed to the caller's string.
   void flush();
   void text(std::string_view characters);
