@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "zeldb/failure.h"
+#include "zeldb/interrupt.h"
 
 namespace zeldb {
 namespace {
@@ -123,6 +124,7 @@ void CsvReader::readChunk() {
   Parser& parser = *parser_;
   const std::size_t length = std::fread(buffer_.data(), 1, buffer_.size(), file_.get());
   if (std::ferror(file_.get()) != 0) {
+    Interrupt::check();
     throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(errno)));
   }
   std::string_view chunk(buffer_.data(), length);
