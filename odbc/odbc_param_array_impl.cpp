@@ -153,7 +153,6 @@ Odbc::e_Status OdbcParamArrayImpl::SetData(unsigned int typeCode, const DataType
                                            bool isNull) {
   const auto content = dataValueBytes(typeCode, value, isNull);
   if (!content) return e_Error;
-  variableLength_ = true;
   const std::int32_t given =
       content->binary ? narrowed<std::int32_t>(content->bytes.size()) : std::int32_t{SQL_NTS};
   const e_Status status = appendCollected(content->bytes, !content->binary,
