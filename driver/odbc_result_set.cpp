@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 #include <memory>
+#include <typeinfo>
 
+#include "datatypes/type_table.h"
 #include "driver/message_keys.h"
 #include "driver/odbc_column.h"
 #include "driver/odbc_statement.h"
@@ -56,7 +58,9 @@ OdbcResultSet::OdbcResultSet(Statement& statement) : ResultSet(statement) {}
 OdbcResultSet::~OdbcResultSet() = default;
 
 OdbcStatement& OdbcResultSet::odbcStatement() const {
-  return dynamic_cast<OdbcStatement&>(getStatement());
+  // OdbcStatement is final, so that its exact type is all a checked cast would look for.
+  if (typeid(getStatement()) != typeid(OdbcStatement)) throw std::bad_cast();
+  return static_cast<OdbcStatement&>(getStatement());
 }
 
 ResultCode OdbcResultSet::failWithDiagnostic(const char* key) const {
@@ -136,7 +140,8 @@ ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
 }
 
 ResultCode OdbcResultSet::getColumn(int index, unsigned int type, DataValue& value) {
-  return findColumnReader(type, false) == nullptr ? kFailure : readColumn(index, type, value);
+  if (DataTypes::familyOf(type) == DataTypes::TypeFamily::kNone) return kFailure;
+  return readColumn(index, type, value);
 }
 
 ResultCode OdbcResultSet::readColumn(int index, unsigned int type, DataValue& value) {

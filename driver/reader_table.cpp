@@ -4,9 +4,9 @@
 #include <sqlext.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <span>
 #include <string>
 #include <string_view>
@@ -177,8 +177,8 @@ ReadResult readParsed(OdbcCol& column, unsigned int type, DataValue& cell) {
 }
 
 struct ReaderRow {
-  TypeFamily family;
-  ColumnReader read;
+  TypeFamily family = TypeFamily::kNone;
+  ColumnReader read = nullptr;
   ColumnReader readSafely = read;
 };
 
@@ -199,12 +199,20 @@ constexpr ReaderRow kReaders[] = {
     {TypeFamily::kBinary, readBinary},
 };
 
+constexpr std::size_t kFamilies = static_cast<std::size_t>(TypeFamily::kBinary) + 1;
+
+// The rows by family, since one is looked up for each value; no reader where there is no row.
+constexpr std::array<ReaderRow, kFamilies> kRowOfFamily = [] {
+  std::array<ReaderRow, kFamilies> rows{};
+  for (const ReaderRow& row : kReaders) rows[static_cast<std::size_t>(row.family)] = row;
+  return rows;
+}();
+
 }  // namespace
 
 ColumnReader findColumnReader(unsigned int type, bool safely) {
-  const auto* row = std::ranges::find(kReaders, DataTypes::familyOf(type), &ReaderRow::family);
-  if (row == std::end(kReaders)) return nullptr;
-  return safely ? row->readSafely : row->read;
+  const ReaderRow& row = kRowOfFamily[static_cast<std::size_t>(DataTypes::familyOf(type))];
+  return safely ? row.readSafely : row.read;
 }
 
 }  // namespace KORVEX::Zel::DB

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -25,7 +26,11 @@ constexpr std::uint32_t kLongestBigInt = 20;
 constexpr SQLSMALLINT kNotGivenAsBytes[] = {SQL_C_SBIGINT, SQL_C_TINYINT, SQL_C_LONG, SQL_C_SHORT,
                                             SQL_C_DOUBLE};
 
+// What std::from_chars reads to the end, strtoll reads alike; the rest (blanks, a plus sign, a
+// number out of range) is strtoll's to judge.
 bool readLong(const ByteStore& text, std::int64_t& value) {
+  const auto read = std::from_chars(text.Text(), text.Text() + text.Length(), value);
+  if (read.ec == std::errc() && read.ptr == text.Text() + text.Length()) return true;
   char* end = nullptr;
   errno = 0;
   const long long parsed = std::strtoll(text.Text(), &end, 10);

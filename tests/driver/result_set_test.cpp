@@ -1,6 +1,9 @@
 #include <cstdlib>
+#include <typeinfo>
 
+#include "driver/odbc_result_set.h"
 #include "tests/driver/driver_fixture.h"
+#include "tests/driver/foreign_statement.h"
 
 namespace KORVEX::Zel::DB {
 namespace {
@@ -231,6 +234,21 @@ TEST_F(OdbcResultSetTest, OneBadColumnDiscardsItsRowOnly) {
   EXPECT_EQ(rows->next(more), kSuccess);
   EXPECT_FALSE(more);
   EXPECT_EQ(rows->close(), kSuccess);
+}
+
+TEST_F(OdbcResultSetTest, OnlyNextLetsABadCastOut) {
+  make();
+  ForeignStatement foreign(*connection);
+  OdbcResultSet rows(foreign);
+  bool more = false;
+  Row* row = nullptr;
+  int count = 0;
+  DataValue cell;
+  EXPECT_THROW(rows.next(more), std::bad_cast);
+  EXPECT_EQ(rows.getData(RowDescriptor({kInteger}), row), kFailure);
+  EXPECT_EQ(row, nullptr);
+  EXPECT_EQ(rows.getNumColumns(count), kFailure);
+  EXPECT_EQ(rows.getColumnInt32(1, cell), kFailure);
 }
 
 TEST_F(OdbcResultSetTest, DescribesItsColumns) {
