@@ -75,7 +75,7 @@ class CoefficientReader {
 // Four digits at a time.
 constexpr auto kFourDigits = [] {
   std::array<char, 40000> table{};
-  for (unsigned i = 0; i < 10000; ++i) {
+  for (std::size_t i = 0; i < 10000; ++i) {
     table[i * 4] = static_cast<char>('0' + i / 1000);
     table[i * 4 + 1] = static_cast<char>('0' + i / 100 % 10);
     table[i * 4 + 2] = static_cast<char>('0' + i / 10 % 10);

@@ -45,7 +45,7 @@ namespace detail {
 // "00" to "99".
 inline constexpr auto kDigitPairs = [] {
   std::array<char, 200> pairs{};
-  for (unsigned i = 0; i < 100; ++i) {
+  for (std::size_t i = 0; i < 100; ++i) {
     pairs[i * 2] = static_cast<char>('0' + i / 10);
     pairs[i * 2 + 1] = static_cast<char>('0' + i % 10);
   }
@@ -55,7 +55,7 @@ inline constexpr auto kDigitPairs = [] {
 // ".000" to ".999".
 inline constexpr auto kPointAndThree = [] {
   std::array<char, 4000> texts{};
-  for (unsigned i = 0; i < 1000; ++i) {
+  for (std::size_t i = 0; i < 1000; ++i) {
     texts[i * 4] = '.';
     texts[i * 4 + 1] = static_cast<char>('0' + i / 100);
     texts[i * 4 + 2] = static_cast<char>('0' + i / 10 % 10);

@@ -11,9 +11,7 @@ namespace DataTypes {
 std::size_t printPaddedPlain(long value, int width, char* out) {
   char text[kMaxNumberText + 1];
   KORVEX::Zel::intl_snprintf(text, sizeof text, "%0*lld", width, static_cast<long long>(value));
-  const std::size_t length = std::strlen(text);
-  std::memcpy(out, text, length);
-  return length;
+  return static_cast<std::size_t>(std::copy_n(text, std::strlen(text), out) - out);
 }
 
 // "%0*lld" writes the sign first and counts it in the width; the digits fill what is left, or what

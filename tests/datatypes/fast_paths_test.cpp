@@ -88,7 +88,8 @@ struct Outcome {
   Status status;
   Value value;
   bool operator==(const Outcome& other) const {
-    return status == other.status && std::memcmp(&value, &other.value, sizeof value) == 0;
+    return status == other.status &&
+           std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(other.value);
   }
 };
 

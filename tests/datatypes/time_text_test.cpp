@@ -86,18 +86,17 @@ TEST(TimeUnit, Seconds) {
 TEST(TimeUnit, MicroSeconds) {
   const struct {
     TimeUnit unit;
-    long count;
     bool isOk;
-    long micros;
-  } rows[] = {{DAY, -106751991, true, -9223372022400000000},
-              {DAY, 106751992, false, 77},
-              {DAY, LONG_MIN, false, 77},
-              {MICROSECOND, LONG_MIN, true, LONG_MIN},
-              {MICROSECOND, LONG_MAX, true, LONG_MAX},
-              {MILLISECOND, -5, true, -5000},
-              {HOUR, 2, true, 7200000000},
-              {NONE, 1, false, 77},
-              {INVALID, 1, false, 77}};
+    long count, micros;
+  } rows[] = {{DAY, true, -106751991, -9223372022400000000},
+              {DAY, false, 106751992, 77},
+              {DAY, false, LONG_MIN, 77},
+              {MICROSECOND, true, LONG_MIN, LONG_MIN},
+              {MICROSECOND, true, LONG_MAX, LONG_MAX},
+              {MILLISECOND, true, -5, -5000},
+              {HOUR, true, 2, 7200000000},
+              {NONE, false, 1, 77},
+              {INVALID, false, 1, 77}};
   for (const auto& row : rows) {
     long micros = 77;
     EXPECT_EQ(getMicroSeconds(row.unit, row.count, micros), row.isOk);

@@ -93,7 +93,7 @@ unsigned typeOf(unsigned number) {
 
 // The type of a matrix entry; false when there is none.
 bool expectedType(const char* row, unsigned column, unsigned& type) {
-  const std::string entry(row + column * 3, 2);
+  const std::string entry(row + std::size_t{column} * 3, 2);
   if (entry == "--") return false;
   const auto& decimal = kDecimals[entry[0] == 'd' ? entry[1] - 'A' : 0];
   type = entry[0] == 'd' ? createFixedDecimal(decimal.precision, decimal.scale)

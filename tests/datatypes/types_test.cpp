@@ -11,7 +11,7 @@ TEST(Types, NamesOfEveryNumber) {
   const struct {
     unsigned type;
     const char *name, *upper, *legacy, *legacyUpper, *constant;
-    unsigned alignment;
+    unsigned long alignment;
   } rows[] = {
       {0, "int16", "INT16", "int16", "INT16", "&intConst", 2},
       {1, "integer", "INTEGER", "int32", "INT32", "&intConst", 4},
