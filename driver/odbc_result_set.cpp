@@ -59,8 +59,9 @@ OdbcResultSet::~OdbcResultSet() = default;
 
 OdbcStatement& OdbcResultSet::odbcStatement() const {
   // OdbcStatement is final, so that its exact type is all a checked cast would look for.
-  if (typeid(getStatement()) != typeid(OdbcStatement)) throw std::bad_cast();
-  return static_cast<OdbcStatement&>(getStatement());
+  Statement& statement = getStatement();
+  if (typeid(statement) != typeid(OdbcStatement)) throw std::bad_cast();
+  return static_cast<OdbcStatement&>(statement);
 }
 
 ResultCode OdbcResultSet::failWithDiagnostic(const char* key) const {
