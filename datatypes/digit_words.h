@@ -157,10 +157,12 @@ inline std::uint64_t shortWord(const char* at, std::size_t count, const char* te
   return (wordAt(at + count - 8) & ~others) | (kEightZeros & others);
 }
 
+// Inlined by force, here and below: the calls would cost as much as the work.
 // Appends `count` digits to a value that has room for them; false when a character is none. The
 // text that they are part of has at least eight characters.
 template <class Number>
-bool appendDigits(const char* at, std::size_t count, const char* textEnd, Number& value) {
+[[gnu::always_inline]] inline bool appendDigits(const char* at, std::size_t count,
+                                                const char* textEnd, Number& value) {
   constexpr std::uint64_t kEightDigits = 100000000;
   std::uint64_t group = 0;
   if (const std::size_t odd = count % 8; odd != 0) {
@@ -191,7 +193,8 @@ inline bool readAroundPoint(const char* textEnd, unsigned decimals, std::uint64_
 // Reads digits with a point before the last `decimals` of them, at least eight characters to
 // `textEnd`; false when one is none. The value must have room for them.
 template <class Number>
-bool readDigits(const char* begin, const char* textEnd, unsigned decimals, Number& value) {
+[[gnu::always_inline]] inline bool readDigits(const char* begin, const char* textEnd,
+                                              unsigned decimals, Number& value) {
   constexpr std::uint64_t kSevenDigits = 10000000;
   const auto length = static_cast<std::size_t>(textEnd - begin);
   value = 0;
