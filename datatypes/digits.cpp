@@ -35,6 +35,7 @@ std::size_t printPadded(long value, int width, char* out) {
     *at++ = '-';
     --width;
   }
+  if (width <= 1) return static_cast<std::size_t>(putNumber(at, magnitude) - out);
   char text[kMaxNumberText];
   const auto count = static_cast<int>(putNumber(text, magnitude) - text);
   if (count < width) at = std::fill_n(at, width - count, '0');

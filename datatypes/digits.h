@@ -9,7 +9,8 @@ namespace DataTypes {
 // The longest text of a 64-bit number, padded to at most that width.
 inline constexpr std::size_t kMaxNumberText = 32;
 
-// Writes "%0*lld" without a terminator and returns its length. `width` is at most kMaxNumberText.
+// Writes "%0*lld" without a terminator and returns its length. `out` has room for kMaxNumberText
+// characters, `width` is below that.
 std::size_t printPaddedPlain(long value, int width, char* out);
 
 // The same bytes, faster.
