@@ -8,6 +8,7 @@
 #include <iterator>
 
 #include "datatypes/data_types.h"
+#include "driver/family_places.h"
 #include "odbc/byte_store.h"
 
 namespace KORVEX::Zel::DB {
@@ -135,17 +136,7 @@ constexpr FamilyRule kRules[] = {
      {SQL_C_BINARY, SQL_VARBINARY, byteLength, fixed<0>, fixed<0>, storeVariable}},
 };
 
-constexpr std::size_t kFamilies = static_cast<std::size_t>(TypeFamily::kBinary) + 1;
-
-// The place of each family's row, since one is looked up for each value; behind the end for none.
-constexpr std::array<std::size_t, kFamilies> kRuleOfFamily = [] {
-  std::array<std::size_t, kFamilies> places{};
-  places.fill(std::size(kRules));
-  for (std::size_t i = 0; i < std::size(kRules); ++i) {
-    places[static_cast<std::size_t>(kRules[i].family)] = i;
-  }
-  return places;
-}();
+constexpr auto kPlaces = familyPlaces(kRules);
 
 // 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
 constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
@@ -169,7 +160,7 @@ const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
   const TypeFamily family = DataTypes::familyOf(type);
   const bool bigInt = family == TypeFamily::kInt64 || family == TypeFamily::kInterval;
   if (bigInt && bigIntAsChar) return &kBigIntAsChar;
-  const std::size_t at = kRuleOfFamily[static_cast<std::size_t>(family)];
+  const std::size_t at = kPlaces[static_cast<std::size_t>(family)];
   return at == std::size(kRules) ? nullptr : &kRules[at].rule;
 }
 

@@ -4,9 +4,9 @@
 #include <sqlext.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,6 +14,7 @@
 #include "datatypes/data_types.h"
 #include "driver/column_number.h"
 #include "driver/date_time_column.h"
+#include "driver/family_places.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -177,8 +178,8 @@ ReadResult readParsed(OdbcCol& column, unsigned int type, DataValue& cell) {
 }
 
 struct ReaderRow {
-  TypeFamily family = TypeFamily::kNone;
-  ColumnReader read = nullptr;
+  TypeFamily family;
+  ColumnReader read;
   ColumnReader readSafely = read;
 };
 
@@ -199,20 +200,14 @@ constexpr ReaderRow kReaders[] = {
     {TypeFamily::kBinary, readBinary},
 };
 
-constexpr std::size_t kFamilies = static_cast<std::size_t>(TypeFamily::kBinary) + 1;
-
-// The rows by family, since one is looked up for each value; no reader where there is no row.
-constexpr std::array<ReaderRow, kFamilies> kRowOfFamily = [] {
-  std::array<ReaderRow, kFamilies> rows{};
-  for (const ReaderRow& row : kReaders) rows[static_cast<std::size_t>(row.family)] = row;
-  return rows;
-}();
+constexpr auto kPlaces = familyPlaces(kReaders);
 
 }  // namespace
 
 ColumnReader findColumnReader(unsigned int type, bool safely) {
-  const ReaderRow& row = kRowOfFamily[static_cast<std::size_t>(DataTypes::familyOf(type))];
-  return safely ? row.readSafely : row.read;
+  const std::size_t at = kPlaces[static_cast<std::size_t>(DataTypes::familyOf(type))];
+  if (at == std::size(kReaders)) return nullptr;
+  return safely ? kReaders[at].readSafely : kReaders[at].read;
 }
 
 }  // namespace KORVEX::Zel::DB
