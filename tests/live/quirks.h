@@ -1,8 +1,16 @@
 #pragma once
 
+#include <span>
 #include <string>
 
 namespace live {
+
+// A value that a database or its driver does not carry.
+struct Limit {
+  const char* type;
+  const char* value;
+  const char* reason;
+};
 
 // In what the databases differ, as far as the live tests care.
 struct Quirks {
@@ -24,6 +32,29 @@ struct Quirks {
   bool updateOfNoRowFails;      // the driver answers "no data"
   const char* noSuchTable;      // SQLSTATE of a statement on a missing table
   const char* wrongPassword;    // SQLSTATE; null where there are no passwords
+  std::span<const Limit> limits;
+};
+
+inline constexpr char kFifteenDigits[] = "the driver reads numbers as texts of 15 digits";
+inline constexpr char kStoredAsDouble[] =
+    "the database stores a double; keep exact decimals in a text column";
+
+inline constexpr Limit kSqliteLimits[] = {
+    {"float", "min", kFifteenDigits},
+    {"float", "max", kFifteenDigits},
+    {"float", "17 digits", kFifteenDigits},
+    {"float", "smallest", kFifteenDigits},
+    {"money", "min", kStoredAsDouble},
+    {"money", "max", kStoredAsDouble},
+    {"money(15)", "min", kStoredAsDouble},
+    {"money(15)", "max", kStoredAsDouble},
+    {"decimal(34,10)", "min", kStoredAsDouble},
+    {"decimal(34,10)", "max", kStoredAsDouble},
+    {"decimal(34,10)", "smallest", kStoredAsDouble},
+    {"decimal(34,0)", "min", kStoredAsDouble},
+    {"decimal(34,0)", "max", kStoredAsDouble},
+    {"bigdatetime", "microseconds", "the driver keeps milliseconds"},
+    {"binary", "several lengths in a batch", "the driver takes row 1's length for every row"},
 };
 
 inline constexpr Quirks kQuirks[] = {
@@ -41,7 +72,8 @@ inline constexpr Quirks kQuirks[] = {
      .binaryLengthsMayDiffer = false,
      .updateOfNoRowFails = true,
      .noSuchTable = "HY000",
-     .wrongPassword = nullptr},
+     .wrongPassword = nullptr,
+     .limits = kSqliteLimits},
     {.name = "PostgreSQL",
      .dsnVariable = "ZEL_TEST_DSN_POSTGRESQL",
      .float64 = "double precision",
@@ -56,7 +88,8 @@ inline constexpr Quirks kQuirks[] = {
      .binaryLengthsMayDiffer = true,
      .updateOfNoRowFails = true,
      .noSuchTable = "42P01",
-     .wrongPassword = "08001"},
+     .wrongPassword = "08001",
+     .limits = {}},
     {.name = "MariaDB",
      .dsnVariable = "ZEL_TEST_DSN_MARIADB",
      .float64 = "double",
@@ -71,7 +104,8 @@ inline constexpr Quirks kQuirks[] = {
      .binaryLengthsMayDiffer = true,
      .updateOfNoRowFails = false,
      .noSuchTable = "42S02",
-     .wrongPassword = "28000"},
+     .wrongPassword = "28000",
+     .limits = {}},
 };
 
 }  // namespace live
