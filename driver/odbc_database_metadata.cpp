@@ -1,15 +1,13 @@
 #include "driver/odbc_database_metadata.h"
 
 #include <algorithm>
-#include <memory>
 #include <string_view>
 
+#include "driver/catalog_rows.h"
 #include "driver/message_keys.h"
 #include "driver/odbc_connection.h"
 #include "driver2/boundary.h"
 #include "host/log_service_impl.h"
-#include "odbc/odbc_catalog.h"
-#include "odbc/odbc_col.h"
 #include "odbc/odbc_dbc.h"
 #include "odbc/odbc_error.h"
 
@@ -17,55 +15,25 @@ namespace KORVEX::Zel::DB {
 
 namespace {
 
-using ODBC::Odbc;
 using ODBC::OdbcCatalog;
 
 constexpr char kTableTypes[] = "TABLE,VIEW";
-constexpr char kAnySchema[] = "%";
-constexpr char kNullText[] = "NULL";
-
-// Result columns of the catalog functions, as the ODBC standard numbers them.
-constexpr int kTableCatalog = 1;
-constexpr int kTableSchema = 2;
-constexpr int kTableName = 3;
-constexpr int kColumnName = 4;  // of SQLColumns and SQLPrimaryKeys
-constexpr int kDataType = 5;
-constexpr int kColumnSize = 7;
-constexpr int kDecimalDigits = 9;
-constexpr int kNullable = 11;
+constexpr char kAny[] = "%";
 
 // Tables of these schemas are DB2's own.
 constexpr std::string_view kDb2SystemSchemas[] = {"SYSIBM", "SYSCAT", "SYSSTAT", "SYSTOOLS",
                                                   "SYSIBMADM"};
 
-// An empty name means any, which the catalog functions know as a null pointer: an empty pattern
-// matches nothing on some databases.
-const char* pattern(const std::string& name) {
-  return name.empty() ? nullptr : name.c_str();
-}
+// The system's own where catalogs stand for schemas.
+constexpr std::string_view kSystemCatalogs[] = {"information_schema", "mysql", "performance_schema",
+                                                "sys"};
 
-std::string textAt(OdbcCatalog& rows, int column, const char* whenNull) {
-  ODBC::OdbcCol* cell = rows.GetColumn(column);
-  std::span<const unsigned char> bytes;
-  if (cell == nullptr || cell->GetBytes(bytes) != Odbc::e_Ok) return whenNull;
-  return {bytes.begin(), bytes.end()};
-}
+// What some drivers add to the tables and views that they are asked for.
+constexpr std::string_view kUnlistedTypes[] = {"MATVIEW", "SYSTEM TABLE", "SYSTEM VIEW"};
 
-int numberAt(OdbcCatalog& rows, int column) {
-  ODBC::OdbcCol* cell = rows.GetColumn(column);
-  int number = 0;
-  if (cell == nullptr || cell->GetData(number) != Odbc::e_Ok) return 0;
-  return number;
-}
-
-// Hands every row of a catalog query to `take`. False when the query or a fetch failed.
-template <typename Take>
-bool forEachRow(OdbcCatalog* scan, Take take) {
-  const std::unique_ptr<OdbcCatalog> rows(scan);
-  if (rows == nullptr) return false;
-  Odbc::e_Status status = rows->Fetch();
-  for (; status == Odbc::e_Ok; status = rows->Fetch()) take(*rows);
-  return status == Odbc::e_NoData;
+template <typename Names>
+bool contains(const Names& names, std::string_view name) {
+  return std::ranges::find(names, name) != std::end(names);
 }
 
 }  // namespace
@@ -98,18 +66,33 @@ void OdbcDatabaseMetadata::getLastErrors(std::string& errors) {
   });
 }
 
-bool OdbcDatabaseMetadata::isHiddenSchema(const std::string& schema) const {
+bool OdbcDatabaseMetadata::isHidden(const Table& table) const {
+  if (table.schema.empty()) return contains(kSystemCatalogs, table.catalog);
   return connection_.getDbc()->GetDatabaseType() == "DB2" &&
-         std::ranges::find(kDb2SystemSchemas, schema) != std::end(kDb2SystemSchemas);
+         contains(kDb2SystemSchemas, table.schema);
+}
+
+// The name that stands before a table's own in a statement.
+const std::string& OdbcDatabaseMetadata::qualifierOf(const Table& table) {
+  return table.schema.empty() ? table.catalog : table.schema;
+}
+
+OdbcDatabaseMetadata::Qualifier OdbcDatabaseMetadata::qualifierFor(
+    const std::string& schema) const {
+  if (schema.empty()) return {};
+  if (connection_.getDbc()->NamesTablesByCatalog()) return {.catalog = schema.c_str()};
+  return {.schema = schema.c_str()};
 }
 
 ResultCode OdbcDatabaseMetadata::scanSchemas(std::vector<std::string>& names) {
   ODBC::OdbcDbc* dbc = connection_.getDbc();
   if (dbc == nullptr) return fail(keys::kGettingTableList);
-  // Empty catalog and table with any schema: the enumeration of schemas.
-  const bool read = forEachRow(dbc->ScanTables("", kAnySchema, "", nullptr), [&](auto& rows) {
-    std::string name = textAt(rows, kTableSchema, "");
-    if (!name.empty() && !isHiddenSchema(name)) names.push_back(std::move(name));
+  // Any schema, or any catalog, with the other names empty: the enumeration of schemas or catalogs.
+  OdbcCatalog* scan = dbc->NamesTablesByCatalog() ? dbc->ScanTables(kAny, "", "", nullptr)
+                                                  : dbc->ScanTables("", kAny, "", nullptr);
+  const bool read = forEachRow(scan, [&](auto& rows) {
+    const Table row = {textAt(rows, kTableCatalog, ""), textAt(rows, kTableSchema, ""), ""};
+    if (!qualifierOf(row).empty() && !isHidden(row)) names.push_back(qualifierOf(row));
   });
   return read ? kSuccess : fail(keys::kGettingTableList);
 }
@@ -117,12 +100,14 @@ ResultCode OdbcDatabaseMetadata::scanSchemas(std::vector<std::string>& names) {
 ResultCode OdbcDatabaseMetadata::scanTables(const std::string& schema, std::vector<Table>& tables) {
   ODBC::OdbcDbc* dbc = connection_.getDbc();
   if (dbc == nullptr) return fail(keys::kGettingTableList);
-  OdbcCatalog* scan = dbc->ScanTables(nullptr, pattern(schema), nullptr, kTableTypes);
+  const Qualifier qualifier = qualifierFor(schema);
+  OdbcCatalog* scan = dbc->ScanTables(qualifier.catalog, qualifier.schema, nullptr, kTableTypes);
   const bool read = forEachRow(scan, [&](auto& rows) {
     Table table = {textAt(rows, kTableCatalog, ""), textAt(rows, kTableSchema, ""),
                    textAt(rows, kTableName, "")};
-    const bool wanted = schema.empty() || table.schema == schema;  // the argument was a pattern
-    if (wanted && !isHiddenSchema(table.schema)) tables.push_back(std::move(table));
+    if (!schema.empty() && qualifierOf(table) != schema) return;  // the argument was a pattern
+    if (isHidden(table) || contains(kUnlistedTypes, textAt(rows, kTableType, ""))) return;
+    tables.push_back(std::move(table));
   });
   return read ? kSuccess : fail(keys::kGettingTableList);
 }
@@ -150,13 +135,14 @@ ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
   ODBC::OdbcDbc* dbc = connection_.getDbc();
   if (dbc == nullptr) return fail(keys::kGettingColumnInfo);
   const std::string databaseType = dbc->GetDatabaseType();
+  const Qualifier qualifier = qualifierFor(table.schema);
   OdbcCatalog* scan =
-      dbc->ScanTableColumns(nullptr, pattern(table.schema), table.name.c_str(), nullptr);
+      dbc->ScanTableColumns(qualifier.catalog, qualifier.schema, table.name.c_str(), nullptr);
   const bool read = forEachRow(scan, [&](auto& rows) {
     Table owner = {textAt(rows, kTableCatalog, ""), textAt(rows, kTableSchema, ""),
                    textAt(rows, kTableName, kNullText)};
     if (owner.name != table.name) return;  // the name was taken as a pattern
-    if (!table.schema.empty() && owner.schema != table.schema) return;
+    if (!table.schema.empty() && qualifierOf(owner) != table.schema) return;
     const bool first = columns.empty() || !sameTable(columns.back().table, owner);
     const int position = first ? 1 : columns.back().column.getPosition() + 1;
     OdbcColumn column(textAt(rows, kColumnName, kNullText), position,
@@ -207,12 +193,27 @@ ResultCode OdbcDatabaseMetadata::splitName(const std::string& name, Table& table
   return kSuccess;
 }
 
+// Where catalogs stand for schemas, a column scan without one looks in the current catalog alone,
+// while the table list shows all. Fills in the catalog of a table that the list shows elsewhere.
+bool OdbcDatabaseMetadata::listsCatalog(Table& table) {
+  if (!table.schema.empty() || !connection_.getDbc()->NamesTablesByCatalog()) return false;
+  const std::vector<Table>* listed = nullptr;
+  if (loadTables("", listed) != kSuccess) return false;
+  const auto shown = std::ranges::find(*listed, table.name, &Table::name);
+  if (shown == listed->end()) return false;
+  table.schema = shown->catalog;
+  return !table.schema.empty();
+}
+
 ResultCode OdbcDatabaseMetadata::loadColumns(const std::string& schema, const std::string& table,
                                              Columns& columns) {
   Table wanted = {"", schema, table};
   if (schema.empty() && splitName(table, wanted) != kSuccess) return kFailure;
   std::vector<ScannedColumn> scanned;
   if (scanColumns(wanted, scanned) != kSuccess) return kFailure;
+  if (scanned.empty() && listsCatalog(wanted) && scanColumns(wanted, scanned) != kSuccess) {
+    return kFailure;
+  }
   if (scanned.empty()) return kSuccess;
   if (keepOneTable(wanted.schema, scanned) != kSuccess) return kFailure;
   for (const ScannedColumn& column : scanned) columns.push_back(column.column);

@@ -20,7 +20,8 @@ class OdbcConnection;
 // A table is named by a schema and its name. Without a schema, "schema.table" is split at its last
 // dot unless a table has the whole name; and of several tables of one name the one counts that the
 // table list shows. Tables that the list leaves out (system tables, materialised views) are found
-// by their name.
+// by their name. Where the database has catalogs and no schemas, a catalog's name stands for the
+// schema's.
 class OdbcDatabaseMetadata final : public DatabaseMetadata {
  public:
   explicit OdbcDatabaseMetadata(OdbcConnection& connection);
@@ -78,6 +79,7 @@ class OdbcDatabaseMetadata final : public DatabaseMetadata {
   using Columns = std::vector<OdbcColumn>;
 
   static bool sameTable(const Table& a, const Table& b);
+  static const std::string& qualifierOf(const Table& table);
   ResultCode loadTables(const std::string& schema, const std::vector<Table>*& tables);
   ResultCode scanSchemas(std::vector<std::string>& names);
   ResultCode scanTables(const std::string& schema, std::vector<Table>& tables);
@@ -85,11 +87,18 @@ class OdbcDatabaseMetadata final : public DatabaseMetadata {
   ResultCode scanColumns(const Table& table, std::vector<ScannedColumn>& columns);
   ResultCode keepOneTable(const std::string& schema, std::vector<ScannedColumn>& columns);
   ResultCode markPrimaryKeys(const Table& table, Columns& columns);
+  bool listsCatalog(Table& table);
   ResultCode splitName(const std::string& name, Table& table);
   // The kept columns of a table, read first if need be; null after a failure.
   const Columns* columnsOf(const std::string& schema, const std::string& table);
   const OdbcColumn* columnAt(const std::string& schema, const std::string& table, int index);
-  bool isHiddenSchema(const std::string& schema) const;
+  bool isHidden(const Table& table) const;
+  // Which of its arguments a catalog function is to get for a schema asked for; null for any.
+  struct Qualifier {
+    const char* catalog = nullptr;
+    const char* schema = nullptr;
+  };
+  Qualifier qualifierFor(const std::string& schema) const;
   // Logs and collects the connection's diagnostic; returns 3.
   ResultCode fail(const char* key);
 

@@ -54,6 +54,9 @@ class OdbcDbc : public virtual Odbc {
   // SQLProcedureColumns.
   virtual OdbcCatalog* ScanProcedureColumns(const char* catalog, const char* schema,
                                             const char* procedure, const char* column) = 0;
+  // Whether statements name a table by its catalog and never by a schema (SQLGetInfo): the name
+  // before the dot is then a catalog's. False too when the driver does not tell.
+  virtual bool NamesTablesByCatalog() = 0;
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

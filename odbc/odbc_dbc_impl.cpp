@@ -114,6 +114,16 @@ void OdbcDbcImpl::SetDatabaseType(const std::string& dbmsName) {
   preparesArraysTwice_ = row.preparesArraysTwice;
 }
 
+bool OdbcDbcImpl::NamesTablesByCatalog() {
+  SQLUINTEGER schemaUsage = 0;
+  SQLUINTEGER catalogUsage = 0;
+  return SQL_SUCCEEDED(SQLGetInfo(dbcHandle_.get(), SQL_SCHEMA_USAGE, &schemaUsage,
+                                  sizeof schemaUsage, nullptr)) &&
+         SQL_SUCCEEDED(SQLGetInfo(dbcHandle_.get(), SQL_CATALOG_USAGE, &catalogUsage,
+                                  sizeof catalogUsage, nullptr)) &&
+         schemaUsage == 0 && catalogUsage != 0;
+}
+
 Odbc::e_Status OdbcDbcImpl::Disconnect() {
   if (!connected_) return e_Ok;
   Rollback();  // nothing is ever committed by leaving

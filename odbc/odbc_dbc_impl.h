@@ -50,6 +50,7 @@ class OdbcDbcImpl final : public OdbcImpl, public OdbcDbc {
                               const char* procedure) override;
   OdbcCatalog* ScanProcedureColumns(const char* catalog, const char* schema, const char* procedure,
                                     const char* column) override;
+  bool NamesTablesByCatalog() override;
 
   void IsConnected(bool connected) { connected_ = connected; }
   // Classifies the product by the name that its driver gives, in any mixture of cases: the first
