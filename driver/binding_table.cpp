@@ -176,7 +176,7 @@ bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& ti
   const auto* scale =
       std::ranges::find(kTimeScales, DataTypes::typeNumber(type), &TimeScale::typeNumber);
   if (scale == std::end(kTimeScales)) {
-    std::cout << "Invalid data for converting as time" << std::endl;
+    std::cout << "Invalid data for converting as time\n";
     return false;
   }
   // Floor division: the remainder, and with it the fraction, is never negative.
@@ -188,7 +188,7 @@ bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& ti
   }
   tm time{};
   if (!DataTypes::breakDownUtc(seconds, time)) {
-    std::cout << "Error converting value as date" << std::endl;
+    std::cout << "Error converting value as date\n";
     return false;
   }
   timestamp.year = static_cast<SQLSMALLINT>(time.tm_year + 1900);

@@ -136,7 +136,7 @@ ResultCode OdbcConnection::createStatement(const std::string& sql, bool batch) {
     return kFailure;
   }
   statement_ = std::make_unique<OdbcStatement>(*this, stmt.get(), sql);
-  static_cast<void>(stmt.release());
+  [[maybe_unused]] const ODBC::OdbcStmt* handedOver = stmt.release();
   return kSuccess;
 }
 

@@ -149,7 +149,7 @@ ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
                       zelDataType(numberAt(rows, kDataType), databaseType),
                       numberAt(rows, kColumnSize), numberAt(rows, kNullable) != SQL_NO_NULLS, false,
                       numberAt(rows, kDecimalDigits), databaseType);
-    columns.push_back({std::move(owner), std::move(column)});
+    columns.push_back({std::move(owner), column});
   });
   return read ? kSuccess : fail(keys::kGettingColumnInfo);
 }

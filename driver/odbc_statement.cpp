@@ -47,7 +47,7 @@ std::string OdbcStatement::databaseType() const {
 }
 
 void OdbcStatement::detach() {
-  static_cast<void>(stmt_.release());
+  [[maybe_unused]] const ODBC::OdbcStmt* freed = stmt_.release();
 }
 
 ResultCode OdbcStatement::close() {

@@ -42,7 +42,7 @@ short cTypeOf(OdbcCol& column) {
 ReadResult readBytes(OdbcCol& column, std::string_view& bytes) {
   std::span<const unsigned char> span;
   const ReadResult result = outcomeOf(column.GetBytes(span));
-  bytes = {static_cast<const char*>(static_cast<const void*>(span.data())), span.size()};
+  bytes = {reinterpret_cast<const char*>(span.data()), span.size()};
   return result;
 }
 
@@ -134,8 +134,7 @@ ReadResult readBinary(OdbcCol& column, unsigned int, DataValue& cell) {
   if (result.outcome != ReadResult::kValue) return result;
   char* copy = copyBytes(bytes);
   if (copy == nullptr) return kOutOfMemory;
-  cell.binary = {static_cast<unsigned char*>(static_cast<void*>(copy)),
-                 static_cast<std::uint32_t>(bytes.size())};
+  cell.binary = {reinterpret_cast<unsigned char*>(copy), static_cast<std::uint32_t>(bytes.size())};
   return result;
 }
 
@@ -169,7 +168,9 @@ ReadResult readParsed(OdbcCol& column, unsigned int type, DataValue& cell) {
   if (result.outcome != ReadResult::kValue) return result;
   const char* message = nullptr;
   DataValue parsed;
-  if (!DataTypes::convertFromString(parsedType(column, type, text), text.data(), parsed, message,
+  // A NUL stands behind each of the texts that readAsText gives.
+  const char* terminated = text.data();  // NOLINT(bugprone-suspicious-stringview-data-usage)
+  if (!DataTypes::convertFromString(parsedType(column, type, text), terminated, parsed, message,
                                     nullptr, nullptr, nullptr, nullptr)) {
     return {ReadResult::kFailed, message};
   }

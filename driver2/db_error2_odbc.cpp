@@ -69,7 +69,7 @@ void DBError2Odbc::processOdbcError(short handleType, void* handle, short rc) no
     const auto* word = std::ranges::find(kWords, rc, &ReturnCodeWord::rc);
     errorString += word == std::end(kWords) ? kOtherWord : word->word;
     if (rc == SQL_SUCCESS) nativeErrorCode = 0;
-  } catch (...) {
+  } catch (...) {  // NOLINT(bugprone-empty-catch)
     // No memory for the text; the caller still learns of the failure.
   }
 }

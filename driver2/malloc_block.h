@@ -21,7 +21,7 @@ inline MallocBlock allocateBlock(std::size_t bytes) {
 inline bool growBlock(MallocBlock& block, std::size_t bytes) {
   void* larger = std::realloc(block.get(), bytes);
   if (larger == nullptr) return false;
-  static_cast<void>(block.release());
+  [[maybe_unused]] const unsigned char* moved = block.release();
   block.reset(static_cast<unsigned char*>(larger));
   return true;
 }

@@ -117,9 +117,9 @@ void PreparedStatement2Odbc::addColumn(unsigned int type, SQLSMALLINT fetchAs) {
   columnTypes_.push_back(type);
   fetchRoutines_.push_back(policy_.routineFor(fetchAs));
   columnBuffers_.push_back(nullptr);
-  if (bytes != 0 && (columnBuffers_.back() = std::calloc(1, bytes)) == nullptr) {
-    throw std::bad_alloc();
-  }
+  if (bytes == 0) return;
+  columnBuffers_.back() = std::calloc(1, bytes);
+  if (columnBuffers_.back() == nullptr) throw std::bad_alloc();
 }
 
 void PreparedStatement2Odbc::processZelTypes(int count, const unsigned int* types) {

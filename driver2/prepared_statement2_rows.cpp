@@ -306,7 +306,7 @@ RowInternal2* PreparedStatement2Odbc::packValues(const std::vector<const void*>&
     std::memcpy(block.get() + columnOffsets_[i], values[i],
                 static_cast<std::size_t>(columnLengths_[i]));
   }
-  return static_cast<RowInternal2*>(static_cast<void*>(block.release()));
+  return reinterpret_cast<RowInternal2*>(block.release());
 }
 
 const RowInternal2* PreparedStatement2Odbc::nextRow(DBError* error) {

@@ -21,7 +21,7 @@ std::size_t deliveredBytes(SQLSMALLINT cType, const unsigned char* piece, std::s
                            SQLLEN reported, bool fits) {
   if (fits) return static_cast<std::size_t>(reported);
   if (cType == SQL_C_BINARY) return room;
-  return strnlen(static_cast<const char*>(static_cast<const void*>(piece)), room - 1);
+  return strnlen(reinterpret_cast<const char*>(piece), room - 1);
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ int PreparedStatement2Odbc::getWholeNumericText(std::size_t column, void* destin
   if (readWhole(column, SQL_C_CHAR, 0, value, error) != 0) return -1;
   length = SQL_NULL_DATA;
   if (value.isNull) return 0;
-  const auto* text = static_cast<const char*>(static_cast<const void*>(value.block.get()));
+  const auto* text = reinterpret_cast<const char*>(value.block.get());
   return parseNumber(column, text, destination, length, error);
 }
 
