@@ -56,4 +56,20 @@ bool isUnsizedDecimal(unsigned int type) {
          DataTypes::precisionOf(type) == 0;
 }
 
+bool isNumberType(unsigned int type) {
+  switch (DataTypes::typeNumber(type)) {
+    case DataTypes::kInt16:
+    case DataTypes::kInteger:
+    case DataTypes::kLong:
+    case DataTypes::kFloat:
+    case DataTypes::kMoney:
+    case DataTypes::kInterval:
+    case DataTypes::kFixedDecimal:
+      return true;
+    default:
+      return DataTypes::typeNumber(type) >= DataTypes::kMoney1 &&
+             DataTypes::typeNumber(type) <= DataTypes::kMoney15;
+  }
+}
+
 }  // namespace zeldb

@@ -17,4 +17,7 @@ std::map<std::string, unsigned int> typesFromList(std::string_view list);
 // Whether the code carries no precision, as for a column that the database only calls "decimal".
 bool isUnsizedDecimal(unsigned int type);
 
+// Whether values of the type are numbers, to stand right in a table.
+bool isNumberType(unsigned int type);
+
 }  // namespace zeldb

@@ -7,10 +7,9 @@
 
 #include "zeldb/connector.h"
 #include "zeldb/generation_option.h"
-#include "zeldb/interrupt.h"
 #include "zeldb/query_parameters.h"
+#include "zeldb/row_copying.h"
 #include "zeldb/statement_kind.h"
-#include "zeldb/table_writer.h"
 
 namespace zeldb {
 
@@ -20,6 +19,7 @@ CLI::App* QueryVerb::declare(CLI::App& app) {
   verb->add_option("SQL", sql_, "The statement, with ? for each parameter")->required();
   verb->add_option("--param", params_, "TYPE:VALUE of the next ?; TYPE alone is NULL")
       ->allow_extra_args(false);
+  addOutputOptions(*verb, output_);
   addGenerationOption(*verb, generation_);
   return verb;
 }
@@ -38,19 +38,14 @@ void QueryVerb::run(Connector& connector) {
   }
 }
 
-void QueryVerb::writeRows(Session& session, const std::string& sql, const Parameters& params) {
+void QueryVerb::writeRows(Session& session, const std::string& sql,
+                          const Parameters& params) const {
   const auto rows = session.query(sql, params);
   if (rows->columns().empty()) {
     std::cout << "done\n";
     return;
   }
-  TableWriter writer(std::cout);
-  writer.begin(rows->columns());
-  while (const auto* const row = rows->next()) {
-    Interrupt::check();
-    writer.row(*row);
-  }
-  writer.end();
+  copyRows(*rows, *makeRowWriter(output_, std::cout));
 }
 
 }  // namespace zeldb

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "zeldb/output_format.h"
 #include "zeldb/session.h"
 #include "zeldb/verb.h"
 
@@ -15,11 +16,12 @@ class QueryVerb : public Verb {
   void run(Connector& connector) override;
 
  private:
-  static void writeRows(Session& session, const std::string& sql, const Parameters& params);
+  void writeRows(Session& session, const std::string& sql, const Parameters& params) const;
 
   std::string service_;
   std::string sql_;
   std::vector<std::string> params_;
+  OutputOptions output_;
   int generation_ = 1;
 };
 

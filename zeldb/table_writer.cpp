@@ -5,30 +5,13 @@
 #include <algorithm>
 #include <ostream>
 
-#include "datatypes/data_types.h"
+#include "zeldb/column_type.h"
 #include "zeldb/display_width.h"
-#include "zeldb/value_text.h"
 
 namespace zeldb {
 namespace {
 
 constexpr std::size_t kRowsForWidths = 1000;
-
-bool isAlignedRight(unsigned int type) {
-  switch (DataTypes::typeNumber(type)) {
-    case DataTypes::kInt16:
-    case DataTypes::kInteger:
-    case DataTypes::kLong:
-    case DataTypes::kFloat:
-    case DataTypes::kMoney:
-    case DataTypes::kInterval:
-    case DataTypes::kFixedDecimal:
-      return true;
-    default:
-      return DataTypes::typeNumber(type) >= DataTypes::kMoney1 &&
-             DataTypes::typeNumber(type) <= DataTypes::kMoney15;
-  }
-}
 
 // A line break inside a value would break the table.
 std::string onOneLine(std::string text) {
@@ -49,7 +32,7 @@ void TableWriter::begin(const std::vector<ResultColumn>& columns) {
 void TableWriter::row(std::span<const DataTypes::DataValue> values) {
   Line line;
   for (std::size_t at = 0; at < columns_.size(); ++at) {
-    line.push_back(onOneLine(valueText(columns_[at].type, values[at])));
+    line.push_back(onOneLine(valueText(columns_[at].type, values[at], moments_)));
   }
   ++rows_;
   if (headWritten_) {
@@ -94,7 +77,7 @@ void TableWriter::writeLine(const Line& line) {
     const std::size_t width = displayWidth(line[at]);
     const std::string padding(widths_[at] - std::min(width, widths_[at]), ' ');
     text += at == 0 ? "" : "  ";
-    text += isAlignedRight(columns_[at].type) ? padding + line[at] : line[at] + padding;
+    text += isNumberType(columns_[at].type) ? padding + line[at] : line[at] + padding;
   }
   text.erase(text.find_last_not_of(' ') + 1);
   out_ << text << '\n';

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zeldb/row_writer.h"
+#include "zeldb/value_text.h"
 
 namespace zeldb {
 
@@ -15,7 +17,8 @@ namespace zeldb {
 // memory does not grow with their number.
 class TableWriter : public RowWriter {
  public:
-  explicit TableWriter(std::ostream& out) : out_(out) {}
+  explicit TableWriter(std::ostream& out, MomentStyle moments = {})
+      : out_(out), moments_(std::move(moments)) {}
 
   void begin(const std::vector<ResultColumn>& columns) override;
   void row(std::span<const DataTypes::DataValue> values) override;
@@ -28,6 +31,7 @@ class TableWriter : public RowWriter {
   void writeLine(const Line& line);
 
   std::ostream& out_;
+  MomentStyle moments_;
   std::vector<ResultColumn> columns_;
   std::vector<std::size_t> widths_;  // cells
   std::vector<Line> waiting_;        // rows seen before the widths are settled

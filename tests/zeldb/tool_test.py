@@ -5,6 +5,7 @@ that makes ODBC calls fail (ODBC_FAULT_LIBRARY).
 """
 
 import glob
+import json
 import os
 import pathlib
 import pty
@@ -83,6 +84,8 @@ class CommandLine(ToolCase):
             (["load", "s", "t", "f.csv", "--types", "id:number"], r'"number" is no type'),
             (["query", "s", "select ?", "--param", "integer:1", "--param", "integer:x"],
              r'parameter 2: integer constant does not begin with a legal character: "x"'),
+            (["query", "s", "select 1", "--format", "xml"], r".*format.*xml.*"),
+            (["query", "s", "select 1", "--tz", "Europe/Berlim"], r'.*no time zone "Europe/Berlim".*'),
             (["check", "other"], r'zeldb.toml: no service "other"; there is gone, s'),
             (["check", "s", "--services", "no.toml"], r"no.toml: services file cannot be read"),
             (["check", "s", "--driver", "no.so"], r"driver plug-in: .*no.so.*"),
@@ -127,6 +130,29 @@ class Query(ToolCase):
             ["--", "-" * 19, "-----", "-----", "-" * 26],
             ["7", "9223372036854775807", "0.1", "a:b é", "2024-02-29 01:02:03.000000"],
             ["(1 row)"]])
+
+    def test_every_form_of_output(self):
+        self.sql("insert into t (id, name, at) values "
+                 "(1, 'é,\"x', '2024-07-01 22:30:00.250'), (2, '', null)")
+        sql = "select id, name, at, price from t order by id"
+        csv = 'id,name,at,price\n1,"é,""x",2024-07-0{},\n2,"",,\n'
+        for generation in "12":
+            with self.subTest(generation):
+                def output(*arguments, generation=generation):
+                    done = self.run_tool("query", "s", sql, "--generation", generation, *arguments)
+                    self.assertEqual((done.returncode, done.stderr), (0, ""))
+                    return done.stdout
+                self.assertEqual(output("--format", "csv"), csv.format("1T22:30:00.250000Z"))
+                self.assertEqual(output("--format", "csv", "--tz", "Europe/Berlin"),
+                                 csv.format("2T00:30:00.250000+02:00"))
+                rows = [{"id": 1, "name": 'é,"x', "at": "2024-07-01T22:30:00.250000Z",
+                         "price": None},
+                        {"id": 2, "name": "", "at": None, "price": None}]
+                self.assertEqual(json.loads(output("--format", "json")), rows)
+                lines = output("--format", "jsonl").splitlines()
+                self.assertEqual([json.loads(line) for line in lines], rows)
+                self.assertIn("| 1 | é,\"x | 2024-07-01 22:30:00.250000 |  |\n",
+                              output("--format", "markdown"))
 
     def test_statements_without_rows(self):
         for sql, output in [("delete from t", "0 rows changed\n"),
