@@ -1,16 +1,22 @@
 // What the server counts on without including a header of this library: the slots of the virtual
 // tables, the names that the plug-in exports, and the layout of the shared records.
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "host/host.h"
+#include "standin/property_data_service.h"
 
 namespace KORVEX::Zel::DB {
 namespace {
@@ -225,6 +231,43 @@ TEST(HostContractTest, PluginExportsWhatItMayAndNothingElse) {
     exported.insert(name.substr(0, name.find_first_of("(\n")));
   }
   EXPECT_EQ(exported, expected);
+}
+
+// Loads the plug-in, makes a second-generation connection, and unloads it again. Returns what is
+// wrong, or nothing. Runs in a child: it changes the environment of its process.
+const char* loadConnectUnload() {
+  void* plugIn = dlopen(ZEL_PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL);
+  if (plugIn == nullptr) return dlerror();
+  using Factory = Driver* (*)(const char*);
+  const auto factory = reinterpret_cast<Factory>(dlsym(plugIn, "FactoryDriver"));
+  if (factory == nullptr) return "no FactoryDriver";
+  Driver* driver = factory("child");
+  DBError* error = driver->createError("");
+  Connection2* connection =
+      driver->createConnection2(PropertyDataService("s", {{"DSN", "d"}, {"User", "u"}}), error);
+  if (connection == nullptr) return "no connection";
+  driver->releaseConnection2(connection, error);
+  driver->releaseError(error);
+  delete driver;
+  dlclose(plugIn);
+  if (dlopen(ZEL_PLUGIN_FILE, RTLD_NOLOAD | RTLD_NOW) != nullptr) return "still loaded";
+  const char* zone = std::getenv("TZ");
+  if (zone == nullptr || std::strcmp(zone, "UTC") != 0) return "TZ is not UTC";
+  return timezone == 0 ? nullptr : "local time is not UTC";
+}
+
+TEST(HostContractTest, TheProcessZoneOutlivesThePlugin) {
+  const pid_t child = fork();
+  if (child == 0) {
+    setenv("TZ", "UTC-5", 1);
+    tzset();
+    const char* wrong = loadConnectUnload();
+    if (wrong != nullptr) std::fprintf(stderr, "%s\n", wrong);
+    _exit(wrong == nullptr ? 0 : 1);
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace
