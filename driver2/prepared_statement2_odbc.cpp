@@ -115,7 +115,8 @@ void PreparedStatement2Odbc::addColumn(unsigned int type, SQLSMALLINT fetchAs) {
   const unsigned int bytes =
       number < DataTypes::kTypeCount ? DataTypes::g_column_lengths[number] : 0;
   columnTypes_.push_back(type);
-  fetchRoutines_.push_back(policy_.routineFor(fetchAs));
+  plans_.push_back({policy_.routineFor(fetchAs), static_cast<int>(bytes),
+                    number == DataTypes::kString, number == DataTypes::kBinary});
   columnBuffers_.push_back(nullptr);
   if (bytes == 0) return;
   columnBuffers_.back() = std::calloc(1, bytes);

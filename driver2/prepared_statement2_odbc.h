@@ -79,6 +79,16 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   static std::mutex m_mx;
 
  private:
+  // How a column is fetched, laid down when the statement is prepared.
+  struct ColumnPlan {
+    FetchRoutine routine;  // null for a column that is not fetched
+    int bufferBytes;       // of a value of fixed size; 0 for texts and bytes, which come in blocks
+    bool isText;
+    bool isBinary;
+
+    bool comesInBlock() const { return isText || isBinary; }
+  };
+
   // A text or bytes that were read to their end.
   struct WholeValue {
     MallocBlock block;
@@ -107,6 +117,8 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   int getFixed(std::size_t column, SQLSMALLINT cType, void* destination, int& length,
                DBError* error);
   int fetchIntoCell(std::size_t column, DataTypes::DataValue& cell, DBError* error);
+  int fetchBytesIntoCell(std::size_t column, DataTypes::DataValue& cell, int& length,
+                         DBError* error);
   RowInternal2* packValues(const std::vector<const void*>& values, std::size_t totalBytes,
                            DBError* error);
 
@@ -116,7 +128,7 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   std::vector<DATA_XFER_SETTINGS> parameters_;
   std::vector<DATA_XFER_SETTINGS> columns_;
   std::vector<std::string> columnNames_;
-  std::vector<FetchRoutine> fetchRoutines_;
+  std::vector<ColumnPlan> plans_;
   std::vector<unsigned int> columnTypes_;  // and a 0 behind the last
   std::vector<void*> columnBuffers_;       // from malloc, of g_column_lengths bytes; or null
   std::vector<int> columnLengths_;

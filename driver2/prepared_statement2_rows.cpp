@@ -23,17 +23,6 @@ namespace {
 constexpr char kNoMemory[] = "memory allocation";
 constexpr std::size_t kTableEndGap = 4;  // between the offset table and the first value
 
-// The value itself is in the column's buffer, or the buffer holds a pointer to it.
-bool isPointer(unsigned int type) {
-  const unsigned int number = DataTypes::typeNumber(type);
-  return number == DataTypes::kString || number == DataTypes::kBinary;
-}
-
-int bufferLength(unsigned int type) {
-  const unsigned int number = DataTypes::typeNumber(type);
-  return number < DataTypes::kTypeCount ? static_cast<int>(DataTypes::g_column_lengths[number]) : 0;
-}
-
 tm brokenDown(int year, int month, int day, int hour, int minute, int second) {
   tm time{};
   time.tm_year = year - 1900;
@@ -158,7 +147,7 @@ int PreparedStatement2Odbc::getDataColumn<kNumericText>(std::size_t column, void
 int PreparedStatement2Odbc::parseNumber(std::size_t column, const char* text, void* destination,
                                         int& length, DBError* error) const {
   const unsigned int type = columnTypes_[column];
-  const int bytes = bufferLength(type);
+  const int bytes = plans_[column].bufferBytes;
   const char* message = "";
   if (DataTypes::convertFromStringAndPack(
           type, false, text, static_cast<unsigned char*>(destination),
@@ -247,21 +236,12 @@ int PreparedStatement2Odbc::nextCount(int& /*count*/, DBError* error) {
   return failAccess(error, "not implemented");
 }
 
-// The routine writes at the start of the cell, where the payload is; of bytes it hands over a
-// packed copy.
-int PreparedStatement2Odbc::fetchIntoCell(std::size_t column, DataValue& cell, DBError* error) {
-  const FetchRoutine routine = fetchRoutines_[column];
-  const bool binary = DataTypes::typeNumber(columnTypes_[column]) == DataTypes::kBinary;
+// The routine hands over a packed copy of the bytes; the cell gets them alone.
+int PreparedStatement2Odbc::fetchBytesIntoCell(std::size_t column, DataValue& cell, int& length,
+                                               DBError* error) {
   unsigned char* packed = nullptr;
-  void* destination = binary ? static_cast<void*>(&packed) : static_cast<void*>(&cell);
-  int length = bufferLength(columnTypes_[column]);
-  if ((this->*routine)(column, destination, length, error) != 0) return -1;
-  if (length == SQL_NULL_DATA) {
-    cell.setNull();
-    return 0;
-  }
-  if (policy_.nullFlagsCount) cell.null = 0;
-  if (!binary) return 0;
+  if ((this->*plans_[column].routine)(column, &packed, length, error) != 0) return -1;
+  if (length == SQL_NULL_DATA) return 0;
   const MallocBlock owner(packed);
   const std::size_t bytes = static_cast<std::size_t>(length) - kPackedLengthBytes;
   MallocBlock copy = allocateBlock(bytes == 0 ? 1 : bytes);
@@ -271,12 +251,27 @@ int PreparedStatement2Odbc::fetchIntoCell(std::size_t column, DataValue& cell, D
   return 0;
 }
 
+// Routines write at the start of the cell, where the payload is.
+int PreparedStatement2Odbc::fetchIntoCell(std::size_t column, DataValue& cell, DBError* error) {
+  const ColumnPlan& plan = plans_[column];
+  int length = plan.bufferBytes;
+  const int result = plan.isBinary ? fetchBytesIntoCell(column, cell, length, error)
+                                   : (this->*plan.routine)(column, &cell, length, error);
+  if (result != 0) return -1;
+  if (length == SQL_NULL_DATA) {
+    cell.setNull();
+  } else if (policy_.nullFlagsCount) {
+    cell.null = 0;
+  }
+  return 0;
+}
+
 int PreparedStatement2Odbc::nextRow(std::vector<DataValue>& row, DBError* error) {
   return guardedAccess(error, [&] {
     if (resultSet_ < 0) return failAccess(error, "no data");
     if (row.size() != columns_.size()) return failAccess(error, "invalid column count");
     for (std::size_t i = 0; i < row.size(); ++i) {
-      if (fetchRoutines_[i] != nullptr && fetchIntoCell(i, row[i], error) != 0) return -1;
+      if (plans_[i].routine != nullptr && fetchIntoCell(i, row[i], error) != 0) return -1;
     }
     return 0;
   });
@@ -319,19 +314,18 @@ const RowInternal2* PreparedStatement2Odbc::nextRow(DBError* error) {
     std::size_t total =
         RowInternal2::kHeaderBytes + columnOffsets_.size() * sizeof(std::int32_t) + kTableEndGap;
     for (std::size_t i = 0; i < count; ++i) {
-      const unsigned int type = columnTypes_[i];
-      void* pointer = nullptr;
-      void* destination = isPointer(type) ? static_cast<void*>(&pointer) : columnBuffers_[i];
-      int length = fetchRoutines_[i] == nullptr ? SQL_NULL_DATA : bufferLength(type);
-      if (fetchRoutines_[i] != nullptr &&
-          (this->*fetchRoutines_[i])(i, destination, length, error) != 0) {
+      const ColumnPlan& plan = plans_[i];
+      unsigned char* block = nullptr;
+      void* destination = plan.comesInBlock() ? static_cast<void*>(&block) : columnBuffers_[i];
+      int length = plan.routine == nullptr ? SQL_NULL_DATA : plan.bufferBytes;
+      if (plan.routine != nullptr && (this->*plan.routine)(i, destination, length, error) != 0) {
         return -1;
       }
-      owned[i].reset(static_cast<unsigned char*>(pointer));
+      owned[i].reset(block);
       const bool null = length == SQL_NULL_DATA;
       columnLengths_[i] = null ? 0 : length;
       columnOffsets_[i] = null ? 0 : static_cast<int>(total);
-      values[i] = isPointer(type) ? pointer : columnBuffers_[i];
+      values[i] = plan.comesInBlock() ? block : columnBuffers_[i];
       if (!null) total += static_cast<std::size_t>(length);
     }
     columnOffsets_[count] = static_cast<int>(total);

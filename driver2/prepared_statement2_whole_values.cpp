@@ -38,7 +38,7 @@ int PreparedStatement2Odbc::readWhole(std::size_t column, SQLSMALLINT cType, std
     SQLLEN reported = 0;
     const SQLRETURN rc = getData(column, cType, piece, static_cast<SQLLEN>(room), reported);
     const bool ended = rc == SQL_NO_DATA && value.bytes > 0;
-    if (!ended && check(rc, error) != 0) return -1;
+    if (rc != SQL_SUCCESS && !ended && check(rc, error) != 0) return -1;
     if (!ended && reported == SQL_NULL_DATA) {
       value.isNull = true;
       return 0;
@@ -81,14 +81,19 @@ int PreparedStatement2Odbc::getWholeBinary(std::size_t column, void* destination
   return 0;
 }
 
+// No number of 34 digits needs more room: what is cut off stands behind the last digit that counts,
+// or belongs to a number that is too long anyway.
 int PreparedStatement2Odbc::getWholeNumericText(std::size_t column, void* destination, int& length,
                                                 DBError* error) {
-  WholeValue value;
-  if (readWhole(column, SQL_C_CHAR, 0, value, error) != 0) return -1;
+  constexpr SQLLEN kTextBytes = 128;
+  char text[kTextBytes + 1];
+  text[0] = 0;
+  text[kTextBytes] = 0;
+  SQLLEN reported = 0;
+  const SQLRETURN rc = getData(column, SQL_C_CHAR, text, kTextBytes, reported);
+  if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
   length = SQL_NULL_DATA;
-  if (value.isNull) return 0;
-  const auto* text = reinterpret_cast<const char*>(value.block.get());
-  return parseNumber(column, text, destination, length, error);
+  return reported == SQL_NULL_DATA ? 0 : parseNumber(column, text, destination, length, error);
 }
 
 }  // namespace KORVEX::Zel::DB::ODBC
