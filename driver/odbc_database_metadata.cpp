@@ -145,9 +145,11 @@ ResultCode OdbcDatabaseMetadata::scanColumns(const Table& table,
     if (!table.schema.empty() && qualifierOf(owner) != table.schema) return;
     const bool first = columns.empty() || !sameTable(columns.back().table, owner);
     const int position = first ? 1 : columns.back().column.getPosition() + 1;
+    // A negative size is one that the driver cannot tell.
     OdbcColumn column(textAt(rows, kColumnName, kNullText), position,
                       zelDataType(numberAt(rows, kDataType), databaseType),
-                      numberAt(rows, kColumnSize), numberAt(rows, kNullable) != SQL_NO_NULLS, false,
+                      std::max(numberAt(rows, kColumnSize), 0),
+                      numberAt(rows, kNullable) != SQL_NO_NULLS, false,
                       numberAt(rows, kDecimalDigits), databaseType);
     columns.push_back({std::move(owner), column});
   });
@@ -193,15 +195,15 @@ ResultCode OdbcDatabaseMetadata::splitName(const std::string& name, Table& table
   return kSuccess;
 }
 
-// Where catalogs stand for schemas, a column scan without one looks in the current catalog alone,
-// while the table list shows all. Fills in the catalog of a table that the list shows elsewhere.
-bool OdbcDatabaseMetadata::listsCatalog(Table& table) {
-  if (!table.schema.empty() || !connection_.getDbc()->NamesTablesByCatalog()) return false;
+// A column scan without a schema may look in the current one alone, while the table list shows all.
+// Fills in the schema of a table that the list shows elsewhere.
+bool OdbcDatabaseMetadata::isListedElsewhere(Table& table) {
+  if (!table.schema.empty()) return false;
   const std::vector<Table>* listed = nullptr;
   if (loadTables("", listed) != kSuccess) return false;
   const auto shown = std::ranges::find(*listed, table.name, &Table::name);
   if (shown == listed->end()) return false;
-  table.schema = shown->catalog;
+  table.schema = qualifierOf(*shown);
   return !table.schema.empty();
 }
 
@@ -211,7 +213,7 @@ ResultCode OdbcDatabaseMetadata::loadColumns(const std::string& schema, const st
   if (schema.empty() && splitName(table, wanted) != kSuccess) return kFailure;
   std::vector<ScannedColumn> scanned;
   if (scanColumns(wanted, scanned) != kSuccess) return kFailure;
-  if (scanned.empty() && listsCatalog(wanted) && scanColumns(wanted, scanned) != kSuccess) {
+  if (scanned.empty() && isListedElsewhere(wanted) && scanColumns(wanted, scanned) != kSuccess) {
     return kFailure;
   }
   if (scanned.empty()) return kSuccess;

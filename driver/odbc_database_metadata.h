@@ -87,7 +87,7 @@ class OdbcDatabaseMetadata final : public DatabaseMetadata {
   ResultCode scanColumns(const Table& table, std::vector<ScannedColumn>& columns);
   ResultCode keepOneTable(const std::string& schema, std::vector<ScannedColumn>& columns);
   ResultCode markPrimaryKeys(const Table& table, Columns& columns);
-  bool listsCatalog(Table& table);
+  bool isListedElsewhere(Table& table);
   ResultCode splitName(const std::string& name, Table& table);
   // The kept columns of a table, read first if need be; null after a failure.
   const Columns* columnsOf(const std::string& schema, const std::string& table);
