@@ -169,9 +169,9 @@ std::string FirstGenerationSession::databaseType() {
   return connection_->getDriverProperty(db::Driver::PROPERTY_KEY_DATABASE_TYPE);
 }
 
-std::vector<ResultColumn> FirstGenerationSession::describeTable(const std::string& table) {
+std::vector<TableColumn> FirstGenerationSession::describeTable(const std::string& table) {
   const std::string type = databaseType();
-  std::vector<ResultColumn> columns;
+  std::vector<TableColumn> columns;
   int count = 0;
   if (connection_->getTableNumColumns(table, count) != db::kSuccess) {
     count = 0;
@@ -179,10 +179,20 @@ std::vector<ResultColumn> FirstGenerationSession::describeTable(const std::strin
   for (int at = 0; at < count; ++at) {
     const db::Column* column = nullptr;
     if (connection_->getTableColumnInfo(table, at, column) == db::kSuccess && column != nullptr) {
-      columns.push_back({column->getName(), columnType(*column, type)});
+      columns.push_back({column->getName(), columnType(*column, type), column->getSize(),
+                         column->getScale(), column->isNullable(), column->isPrimaryKey()});
     }
   }
   return columns;
+}
+
+std::vector<std::string> FirstGenerationSession::tableNames(const std::string& schema) {
+  log_.clear();
+  std::vector<std::string> names;
+  check(schema.empty() ? connection_->getTableNames(names)
+                       : connection_->getTableNames(schema, names),
+        log_, "listing tables");
+  return names;
 }
 
 std::unique_ptr<RowSource> FirstGenerationSession::query(const std::string& sql,

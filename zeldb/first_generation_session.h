@@ -9,6 +9,7 @@
 #include "zeldb/driver_log.h"
 #include "zeldb/service.h"
 #include "zeldb/session.h"
+#include "zeldb/table_column.h"
 
 namespace zeldb {
 
@@ -23,7 +24,9 @@ class FirstGenerationSession : public Session {
   std::string databaseType();
   // The columns of a table as the catalogue knows them, with sized decimals; empty when it does not
   // know the table.
-  std::vector<ResultColumn> describeTable(const std::string& table);
+  std::vector<TableColumn> describeTable(const std::string& table);
+  // The tables and views of a schema, or of all when it is empty. Throws Failure.
+  std::vector<std::string> tableNames(const std::string& schema);
 
   std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
   std::int64_t update(const std::string& sql, const Parameters& params) override;

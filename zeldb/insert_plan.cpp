@@ -17,7 +17,7 @@ namespace {
 std::vector<ResultColumn> columnsOf(FirstGenerationSession& session, const std::string& table) {
   std::vector<ResultColumn> columns =
       session.query(fmt::format("select * from {} where 1 = 0", table), {})->columns();
-  for (const ResultColumn& described : session.describeTable(table)) {
+  for (const TableColumn& described : session.describeTable(table)) {
     for (ResultColumn& column : columns) {
       if (column.name == described.name && described.type != DataTypes::kUnknown) {
         column.type = described.type;
