@@ -34,6 +34,7 @@ struct CsvReader::Parser {
   std::uint64_t line = 1;          // of the next byte
   std::uint64_t pendingBytes = 0;  // since the last complete record
   int lastLineEnd = 0;
+  std::size_t headerFields = 0;
 
   Parser() {
     csv_init(&csv, CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL | CSV_EMPTY_IS_NULL);
@@ -62,6 +63,11 @@ struct CsvReader::Parser {
     const bool secondOfPair = end == '\n' && lastLineEnd == '\r';
     lastLineEnd = end;
     if (!secondOfPair) {
+      // Where rows have one field, a blank line is a row of which that field is empty.
+      if (openFields == 0 && headerFields == 1 && end >= 0) {
+        onField(nullptr, 0);
+        lastLineEnd = end;
+      }
       completeRecord();
       ++line;
     }
@@ -69,6 +75,7 @@ struct CsvReader::Parser {
 
   void completeRecord() {
     if (openFields > 0) {
+      headerFields = headerFields == 0 ? openFields : headerFields;
       open.fields.resize(openFields);
       ready.push_back(std::move(open));
       openFields = 0;

@@ -24,8 +24,9 @@ struct CsvRecord {
 };
 
 // Reads a CSV file record by record: comma, double quotes, a quote in quotes doubled, line ends LF
-// or CRLF, blank lines skipped, a byte order mark at the start skipped. White space around a field
-// belongs to it. What is in memory does not depend on the number of records.
+// or CRLF, a byte order mark at the start skipped. Blank lines are skipped, except below a header
+// of one field, where they are records with an empty field. White space around a field belongs to
+// it. What is in memory does not depend on the number of records.
 class CsvReader {
  public:
   // Throws Failure when the file cannot be opened.

@@ -49,8 +49,8 @@ unsigned int columnType(const db::Column& column, const std::string& databaseTyp
 
 class FirstGenerationRows : public RowSource {
  public:
-  FirstGenerationRows(DriverLog& log, db::ResultSet& rows)
-      : log_(log), rows_(rows), columns_(describe()), descriptor_(types()) {}
+  FirstGenerationRows(DriverLog& log, db::ResultSet& rows, const std::vector<TableColumn>& known)
+      : log_(log), rows_(rows), columns_(describe(known)), descriptor_(types()) {}
 
   const std::vector<ResultColumn>& columns() const override { return columns_; }
 
@@ -76,13 +76,20 @@ class FirstGenerationRows : public RowSource {
   }
 
  private:
-  std::vector<ResultColumn> describe() {
+  // The catalogue knows the types better, where it knows them: SQLite's driver describes a result's
+  // binary column as text.
+  std::vector<ResultColumn> describe(const std::vector<TableColumn>& known) {
     int count = 0;
     check(rows_.getNumColumns(count), log_, "describing the result");
     std::vector<ResultColumn> columns(static_cast<std::size_t>(count));
     for (int at = 0; at < count; ++at) {
       ResultColumn& column = columns[static_cast<std::size_t>(at)];
       check(rows_.getColumnInfo(at + 1, column.name, column.type), log_, "describing the result");
+      for (const TableColumn& better : known) {
+        if (better.name == column.name && better.type != DataTypes::kUnknown) {
+          column.type = better.type;
+        }
+      }
     }
     return columns;
   }
@@ -197,10 +204,21 @@ std::vector<std::string> FirstGenerationSession::tableNames(const std::string& s
 
 std::unique_ptr<RowSource> FirstGenerationSession::query(const std::string& sql,
                                                          const Parameters& params) {
+  return query(sql, params, {});
+}
+
+std::unique_ptr<RowSource> FirstGenerationSession::readTable(const std::string& table) {
+  const std::vector<TableColumn> known = describeTable(table);
+  return query("select * from " + table, {}, known);
+}
+
+std::unique_ptr<RowSource> FirstGenerationSession::query(const std::string& sql,
+                                                         const Parameters& params,
+                                                         const std::vector<TableColumn>& known) {
   log_.clear();
   db::ResultSet* rows = nullptr;
   check(connection_->executeQuery(sql, params, 0, rows), log_, "query");
-  return std::make_unique<FirstGenerationRows>(log_, *rows);
+  return std::make_unique<FirstGenerationRows>(log_, *rows, known);
 }
 
 std::int64_t FirstGenerationSession::update(const std::string& sql, const Parameters& params) {

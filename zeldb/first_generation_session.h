@@ -29,12 +29,16 @@ class FirstGenerationSession : public Session {
   std::vector<std::string> tableNames(const std::string& schema);
 
   std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
+  std::unique_ptr<RowSource> readTable(const std::string& table) override;
   std::int64_t update(const std::string& sql, const Parameters& params) override;
   std::unique_ptr<BatchWriter> insert(const std::string& sql) override;
   void commit() override;
   void rollback() noexcept override;
 
  private:
+  std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params,
+                                   const std::vector<TableColumn>& known);
+
   struct Release {
     KORVEX::Zel::DB::Driver* driver;
     void operator()(KORVEX::Zel::DB::Connection* connection) const;

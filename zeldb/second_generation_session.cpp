@@ -168,6 +168,10 @@ std::unique_ptr<RowSource> SecondGenerationSession::query(const std::string& sql
   return std::make_unique<SecondGenerationRows>(error_, *connection_, sql, params);
 }
 
+std::unique_ptr<RowSource> SecondGenerationSession::readTable(const std::string& table) {
+  return query("select * from " + table, {});
+}
+
 std::int64_t SecondGenerationSession::update(const std::string& sql, const Parameters& params) {
   Statement(error_, *connection_, sql).execute(params);
   return -1;

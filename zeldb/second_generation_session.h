@@ -20,6 +20,7 @@ class SecondGenerationSession : public Session {
   ~SecondGenerationSession() override;
 
   std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) override;
+  std::unique_ptr<RowSource> readTable(const std::string& table) override;
   std::int64_t update(const std::string& sql, const Parameters& params) override;
   std::unique_ptr<BatchWriter> insert(const std::string& sql) override;
   void commit() override;

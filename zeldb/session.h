@@ -40,6 +40,8 @@ class Session {
  public:
   virtual ~Session() = default;
   virtual std::unique_ptr<RowSource> query(const std::string& sql, const Parameters& params) = 0;
+  // All rows of a table, written as in SQL, with its columns' own types.
+  virtual std::unique_ptr<RowSource> readTable(const std::string& table) = 0;
   // Returns the number of rows changed, or -1 when the database does not tell.
   virtual std::int64_t update(const std::string& sql, const Parameters& params) = 0;
   virtual std::unique_ptr<BatchWriter> insert(const std::string& sql) = 0;

@@ -34,15 +34,27 @@ std::string lowerCase(std::string_view text) {
   return lower;
 }
 
+// The letters at the front of a text in lower case.
+std::string_view firstWord(std::string_view lower) {
+  return lower.substr(0, lower.find_first_not_of("abcdefghijklmnopqrstuvwxyz"));
+}
+
 }  // namespace
 
 bool isUpdateStatement(std::string_view sql) {
   skipBlanks(sql);
   const std::string lower = lowerCase(sql);
-  const std::string_view word =
-      std::string_view(lower).substr(0, lower.find_first_not_of("abcdefghijklmnopqrstuvwxyz"));
+  const std::string_view word = firstWord(lower);
   return std::find(kUpdateWords.begin(), kUpdateWords.end(), word) != kUpdateWords.end() &&
          lower.find("returning") == std::string::npos;
+}
+
+bool isStatement(std::string_view text) {
+  skipBlanks(text);
+  const std::string lower = lowerCase(text);
+  const std::size_t length = firstWord(lower).size();
+  return length > 0 && length < lower.size() &&
+         std::string_view(" \t\r\n(/").find(lower[length]) != std::string_view::npos;
 }
 
 }  // namespace zeldb

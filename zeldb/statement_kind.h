@@ -8,4 +8,8 @@ namespace zeldb {
 // asked for, not the rows. A statement with RETURNING has rows.
 bool isUpdateStatement(std::string_view sql);
 
+// Whether a text is a statement rather than the name of a table: a word with a blank or a
+// parenthesis behind it.
+bool isStatement(std::string_view text);
+
 }  // namespace zeldb

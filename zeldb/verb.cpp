@@ -2,6 +2,7 @@
 
 #include "zeldb/check_verb.h"
 #include "zeldb/describe_verb.h"
+#include "zeldb/dump_verb.h"
 #include "zeldb/load_verb.h"
 #include "zeldb/query_verb.h"
 #include "zeldb/tables_verb.h"
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<Verb>> makeVerbs() {
   verbs.push_back(std::make_unique<DescribeVerb>());
   verbs.push_back(std::make_unique<QueryVerb>());
   verbs.push_back(std::make_unique<LoadVerb>());
+  verbs.push_back(std::make_unique<DumpVerb>());
   return verbs;
 }
 

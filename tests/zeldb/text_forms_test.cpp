@@ -66,6 +66,16 @@ TEST(StatementKind, TellsUpdatesByTheFirstWord) {
   }
 }
 
+TEST(StatementKind, TellsStatementsFromTables) {
+  for (const char* const text : {"select 1", "SELECT\n1", " values(1)", "with/**/x as (select 1)",
+                                 "-- note\nselect 1", "drop table t"}) {
+    EXPECT_TRUE(isStatement(text)) << text;
+  }
+  for (const char* const text : {"", "t", "main.t", "\"my table\"", "[my table]", "`a b`", "t1 "}) {
+    EXPECT_FALSE(isStatement(text)) << text;
+  }
+}
+
 TEST(TableWriter, AlignsByDisplayWidth) {
   std::ostringstream out;
   TableWriter writer(out);

@@ -99,7 +99,7 @@ class CommandLine(ToolCase):
     def test_help_names_verbs_and_exit_codes(self):
         done = self.run_tool("--help")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        for text in ("check", "tables", "describe", "query", "load", "--services", "7    in doubt"):
+        for text in ("check", "tables", "describe", "query", "load", "dump", "--services", "7    in doubt"):
             self.assertIn(text, done.stdout)
 
     def test_check_connects(self):
@@ -312,6 +312,63 @@ class Load(ToolCase):
         os.close(terminal)
         self.assertRegex(os.read(master, 4096).decode(),
                          r"\r +\d+ %  \d+ rows, \d+ rows/s, \d+ s left")
+
+
+class Dump(ToolCase):
+    def dump(self, *arguments):
+        return self.run_tool("dump", "s", *arguments)
+
+    def test_a_dump_loads_again(self):
+        self.sql("create table one (a varchar(10))")
+        for name, rows in [("t", "(1, 5, 0.1, 'a,\"b\n', '2024-01-02 03:04:05.678', x'00ff'), "
+                                 "(2, null, null, '', null, x''), (3, null, null, null, null, null)"),
+                           ("one", "(null), (''), ('x'), (null)")]:
+            self.sql(f"insert into {name} values {rows}")
+            for generation in "12":
+                with self.subTest(table=name, generation=generation):
+                    done = self.dump(name, "--out", "1.csv", "--generation", generation)
+                    self.assertEqual((done.returncode, done.stderr), (0, ""))
+                    before = self.sql(f"select * from {name}")
+                    self.sql(f"delete from {name}")
+                    self.run_tool("load", "s", name, "1.csv", "--generation", generation)
+                    self.assertEqual(self.sql(f"select * from {name}"), before)
+                    self.dump(name, "--out", "2.csv", "--generation", generation)
+                    self.assertEqual((self.folder / "1.csv").read_bytes(),
+                                     (self.folder / "2.csv").read_bytes())
+
+    def test_queries_and_forms(self):
+        self.sql("insert into t (id, name) values (1, ''), (2, null)")
+        done = self.dump("select id, name from t order by id", "--format", "jsonl")
+        self.assertEqual(done.stdout, '{"id":1,"name":""}\n{"id":2,"name":null}\n')
+        done = self.dump("select id from t where id < 0")
+        self.assertEqual((done.returncode, done.stdout), (0, "id\n"))
+        done = self.dump("t", "--out", "f.csv")
+        self.assertEqual(done.stdout, "2 rows dumped to f.csv\n")
+
+    def test_a_file_is_replaced_whole_or_not_at_all(self):
+        long = "with recursive c(x) as (select 1 union all select x + 1 from c where x < 99999) " \
+               "select x from c"
+        self.write("old.csv", "old")
+        (self.folder / "link.csv").symlink_to("old.csv")
+        (self.folder / "folder").mkdir()
+        before = sorted(path.name for path in self.folder.iterdir())
+        cases = [  # arguments, fault, exit code, complaint
+            ((long, "--out", "old.csv"), "SQLFetch -5000 08S01", 3, r"reading rows: .*08S01.*"),
+            (("nowhere", "--out", "old.csv"), None, 4, r".*nowhere.*"),
+            (("delete from t", "--out", "old.csv"), None, 2, r"a dump changes nothing; .*"),
+            ((long, "--out", "no/f.csv"), None, 6, r"no/f.csv: No such file or directory"),
+            ((long, "--out", "folder"), None, 6, r".*folder: Is a directory"),
+            ((long, "--out", "/dev/full"), None, 6, r"/dev/full: No space left on device"),
+        ]
+        for arguments, fault, code, pattern in cases:
+            with self.subTest(arguments):
+                done = self.run_tool("dump", "s", *arguments, fault=fault)
+                self.expect(done, code, pattern)
+                self.assertEqual((self.folder / "old.csv").read_text(), "old")
+                self.assertEqual(sorted(path.name for path in self.folder.iterdir()), before)
+        self.assertEqual(self.dump("t", "--out", "link.csv").returncode, 0)
+        self.assertTrue((self.folder / "link.csv").is_symlink())
+        self.assertEqual((self.folder / "old.csv").read_text(), HEAD)
 
 
 if __name__ == "__main__":
