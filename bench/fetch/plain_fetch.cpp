@@ -53,7 +53,8 @@ constexpr ColumnRead kReads[2][kColumns] = {
 
 class PlainReader : public Reader {
  public:
-  PlainReader(const DataSource& source, int generation) : reads_(kReads[generation - 1]) {
+  PlainReader(const DataSource& source, int generation)
+      : generation_(generation), reads_(kReads[generation - 1]) {
     SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &env_);
     SQLSetEnvAttr(env_, SQL_ATTR_ODBC_VERSION, number(SQL_OV_ODBC3), SQL_IS_UINTEGER);
     SQLAllocHandle(SQL_HANDLE_DBC, env_, &dbc_);
@@ -74,7 +75,11 @@ class PlainReader : public Reader {
     SQLHSTMT stmt = SQL_NULL_HSTMT;
     check(SQLAllocHandle(SQL_HANDLE_STMT, dbc_, &stmt), SQL_HANDLE_DBC, dbc_, "SQLAllocHandle");
     check(SQLPrepare(stmt, text(kQuery), SQL_NTS), SQL_HANDLE_STMT, stmt, "SQLPrepare");
+    SQLSMALLINT count = 0;
+    check(SQLNumParams(stmt, &count), SQL_HANDLE_STMT, stmt, "SQLNumParams");
+    if (generation_ == 2) describeColumns(stmt);
     check(SQLExecute(stmt), SQL_HANDLE_STMT, stmt, "SQLExecute");
+    if (generation_ == 1) describeColumns(stmt);
     std::array<char, 128> value{};
     int rows = 0;
     for (SQLRETURN rc = SQLFetch(stmt); rc != SQL_NO_DATA; rc = SQLFetch(stmt), ++rows) {
@@ -86,11 +91,39 @@ class PlainReader : public Reader {
         if (rc != SQL_SUCCESS) check(rc, SQL_HANDLE_STMT, stmt, "SQLGetData");
       }
     }
+    for (const int what : {SQL_CLOSE, SQL_UNBIND, SQL_RESET_PARAMS}) {
+      SQLFreeStmt(stmt, static_cast<SQLUSMALLINT>(what));
+    }
     SQLFreeHandle(SQL_HANDLE_STMT, stmt);
     return rows;
   }
 
  private:
+  // The second generation describes the columns when it prepares, the first when it has executed.
+  void describeColumns(SQLHSTMT stmt) {
+    SQLSMALLINT count = 0;
+    check(SQLNumResultCols(stmt, &count), SQL_HANDLE_STMT, stmt, "SQLNumResultCols");
+    for (SQLUSMALLINT column = 1; column <= kColumns; ++column) {
+      std::array<SQLCHAR, 256> name{};
+      SQLSMALLINT nameLength = 0;
+      SQLSMALLINT type = 0;
+      SQLULEN size = 0;
+      SQLSMALLINT digits = 0;
+      SQLSMALLINT nullable = 0;
+      check(SQLDescribeCol(stmt, column, name.data(), 256, &nameLength, &type, &size, &digits,
+                           &nullable),
+            SQL_HANDLE_STMT, stmt, "SQLDescribeCol");
+      if (generation_ == 2) continue;
+      SQLLEN value = 0;
+      for (const int field : {SQL_COLUMN_DISPLAY_SIZE, SQL_COLUMN_UNSIGNED}) {
+        check(SQLColAttribute(stmt, column, static_cast<SQLUSMALLINT>(field), nullptr, 0, nullptr,
+                              &value),
+              SQL_HANDLE_STMT, stmt, "SQLColAttribute");
+      }
+    }
+  }
+
+  int generation_;
   const ColumnRead* reads_;
   SQLHENV env_ = SQL_NULL_HENV;
   SQLHDBC dbc_ = SQL_NULL_HDBC;
