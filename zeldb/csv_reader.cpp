@@ -161,8 +161,16 @@ void CsvReader::skipByteOrderMark(std::string_view& chunk) const {
 }
 
 void CsvReader::failMalformed(const char* reason) const {
-  throw Failure(ExitCode::kFile, fmt::format("{}:{}:{}: {}", path_.string(), parser_->line,
-                                             parser_->openFields + 1, reason));
+  throw Failure(ExitCode::kFile,
+                fmt::format("{}: {}", place(parser_->line, parser_->openFields), reason));
+}
+
+std::string CsvReader::place(std::uint64_t line, std::size_t field) const {
+  return fmt::format("{}:{}:{}", path_.string(), line, field + 1);
+}
+
+std::string CsvReader::range(std::uint64_t firstLine, std::uint64_t lastLine) const {
+  return fmt::format("{}: rows of lines {} to {}", place(firstLine, 0), firstLine, lastLine);
 }
 
 }  // namespace zeldb

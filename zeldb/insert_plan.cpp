@@ -45,12 +45,12 @@ const ResultColumn* findColumn(const std::vector<ResultColumn>& columns, const s
 }
 
 void checkTypesAreUsed(const std::map<std::string, unsigned int>& types, const CsvRecord& header,
-                       const std::string& file) {
+                       const RecordSource& source) {
   for (const auto& [name, type] : types) {
     if (std::none_of(header.fields.begin(), header.fields.end(),
                      [&, &wanted = name](const CsvField& field) { return field.text == wanted; })) {
-      throw Failure(ExitCode::kUsage, fmt::format("{}:{}:1: the header has no column \"{}\"", file,
-                                                  header.line, name));
+      throw Failure(ExitCode::kUsage, fmt::format("{}: the header has no column \"{}\"",
+                                                  source.place(header.line, 0), name));
     }
   }
 }
@@ -70,17 +70,18 @@ std::string insertStatement(const std::string& table, const std::vector<ResultCo
 }  // namespace
 
 InsertPlan planInsert(FirstGenerationSession& session, const std::string& table,
-                      const std::string& file, const CsvRecord& header,
+                      const RecordSource& source, const CsvRecord& header,
                       const std::map<std::string, unsigned int>& types) {
-  checkTypesAreUsed(types, header, file);
+  checkTypesAreUsed(types, header, source);
   const std::vector<ResultColumn> known = columnsOf(session, table);
   InsertPlan plan;
   std::set<std::string> used;
   for (std::size_t at = 0; at < header.fields.size(); ++at) {
     const std::string& name = header.fields[at].text;
     const auto fail = [&](const char* reason) {
-      throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: table {} has no column \"{}\"{}", file,
-                                                  header.line, at + 1, table, name, reason));
+      throw Failure(ExitCode::kUsage,
+                    fmt::format("{}: table {} has no column \"{}\"{}",
+                                source.place(header.line, at), table, name, reason));
     };
     const ResultColumn* const column = findColumn(known, name);
     if (column == nullptr) {

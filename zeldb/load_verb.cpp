@@ -7,27 +7,19 @@
 
 #include "zeldb/column_type.h"
 #include "zeldb/connector.h"
+#include "zeldb/csv_reader.h"
 #include "zeldb/failure.h"
 #include "zeldb/generation_option.h"
 #include "zeldb/insert_plan.h"
 
 namespace zeldb {
-namespace {
-
-constexpr std::size_t kMaxBatchRows = 100000;
-
-}  // namespace
-
 CLI::App* LoadVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("load", "Insert the rows of a CSV file into a table");
   verb->add_option("SERVICE", service_, "Name in the services file")->required();
   verb->add_option("TABLE", table_, "A table that exists, written as in SQL")->required();
   verb->add_option("FILE", file_, "CSV file whose first row names the columns")->required();
   verb->add_option("--types", types_, "NAME:TYPE,... for columns not to be read as the table says");
-  verb->add_option("--batch", options_.batchRows, "Rows sent, and committed, together")
-      ->check(CLI::Range(std::size_t{1}, kMaxBatchRows))
-      ->capture_default_str();
-  verb->add_flag("--one-transaction", options_.oneTransaction, "Commit only once, at the end");
+  addLoadOptions(*verb, options_);
   addGenerationOption(*verb, generation_);
   return verb;
 }
@@ -38,9 +30,9 @@ void LoadVerb::run(Connector& connector) {
   CsvReader reader(file_);
   const CsvRecord* const header = reader.next();
   if (header == nullptr) {
-    throw Failure(ExitCode::kFile, fmt::format("{}:1:1: the file has no header", file_));
+    throw Failure(ExitCode::kFile, fmt::format("{}: the file has no header", reader.place(1, 0)));
   }
-  const InsertPlan plan = planInsert(*connector.connect(service), table_, file_, *header, types);
+  const InsertPlan plan = planInsert(*connector.connect(service), table_, reader, *header, types);
   const auto session = connector.connect(service, generation_);
   const auto rows = Loader(*session, reader, plan, options_).run();
   std::cout << fmt::format("{} row{} loaded into {}\n", rows, rows == 1 ? "" : "s", table_);

@@ -9,10 +9,10 @@
 
 namespace zeldb {
 
-Loader::Loader(Session& session, CsvReader& reader, const InsertPlan& plan,
+Loader::Loader(Session& session, RecordSource& source, const InsertPlan& plan,
                const LoadOptions& options)
     : session_(session),
-      reader_(reader),
+      source_(source),
       options_(options),
       batch_(session.insert(plan.sql)),
       row_(plan.columns.size()) {
@@ -36,7 +36,7 @@ std::uint64_t Loader::run() {
 }
 
 void Loader::loadAll() {
-  while (const CsvRecord* const record = reader_.next()) {
+  while (const CsvRecord* const record = source_.next()) {
     Interrupt::check();
     addRecord(*record);
     if (batchedRows_ == options_.batchRows) {
@@ -49,10 +49,11 @@ void Loader::loadAll() {
 
 void Loader::addRecord(const CsvRecord& record) {
   if (record.fields.size() != columns_.size()) {
-    throw Failure(ExitCode::kRowsRejected,
-                  fmt::format("{}: the row has {} fields, the header {}",
-                              place(record, std::min(record.fields.size(), columns_.size())),
-                              record.fields.size(), columns_.size()));
+    throw Failure(
+        ExitCode::kRowsRejected,
+        fmt::format("{}: the row has {} fields, the header {}",
+                    source_.place(record.line, std::min(record.fields.size(), columns_.size())),
+                    record.fields.size(), columns_.size()));
   }
   for (std::size_t at = 0; at < columns_.size(); ++at) {
     const CsvField& field = record.fields[at];
@@ -62,7 +63,7 @@ void Loader::addRecord(const CsvRecord& record) {
       value.setNull();
     } else if (!columns_[at].parser.parse(field.text, value)) {
       throw Failure(ExitCode::kRowsRejected,
-                    fmt::format("{}: column \"{}\": {}: \"{}\"", place(record, at),
+                    fmt::format("{}: column \"{}\": {}: \"{}\"", source_.place(record.line, at),
                                 columns_[at].name, columns_[at].parser.reason(), field.text));
     }
   }
@@ -73,7 +74,8 @@ void Loader::addRecord(const CsvRecord& record) {
   try {
     batch_->add(row_);
   } catch (const Failure& failure) {
-    throw Failure(failure.exitCode(), fmt::format("{}: {}", place(record, 0), failure.what()));
+    throw Failure(failure.exitCode(),
+                  fmt::format("{}: {}", source_.place(record.line, 0), failure.what()));
   }
   ++batchedRows_;
 }
@@ -88,7 +90,7 @@ void Loader::sendBatch() {
   if (!options_.oneTransaction) {
     commit();
   }
-  progress_.update(committedRows_ + sentRows_, reader_.bytesRead(), reader_.sizeBytes());
+  progress_.update(committedRows_ + sentRows_, source_.bytesRead(), source_.sizeBytes());
 }
 
 void Loader::commit() {
@@ -103,13 +105,8 @@ void Loader::namingLines(Step step) const {
     step();
   } catch (const Failure& failure) {
     throw Failure(failure.exitCode(),
-                  fmt::format("{}:{}:1: rows of lines {} to {}: {}", reader_.path().string(),
-                              firstLine_, firstLine_, lastLine_, failure.what()));
+                  fmt::format("{}: {}", source_.range(firstLine_, lastLine_), failure.what()));
   }
-}
-
-std::string Loader::place(const CsvRecord& record, std::size_t field) const {
-  return fmt::format("{}:{}:{}", reader_.path().string(), record.line, field + 1);
 }
 
 }  // namespace zeldb

@@ -6,24 +6,21 @@
 #include <string>
 #include <vector>
 
-#include "zeldb/csv_reader.h"
 #include "zeldb/insert_plan.h"
+#include "zeldb/load_options.h"
 #include "zeldb/progress.h"
+#include "zeldb/record_source.h"
 #include "zeldb/session.h"
 #include "zeldb/value_parser.h"
 
 namespace zeldb {
 
-struct LoadOptions {
-  std::size_t batchRows = 500;
-  bool oneTransaction = false;  // instead of a transaction for each batch
-};
-
-// Moves the records of a file into a table, a batch at a time. What is committed is always whole
+// Moves the records of a source into a table, a batch at a time. What is committed is always whole
 // batches.
 class Loader {
  public:
-  Loader(Session& session, CsvReader& reader, const InsertPlan& plan, const LoadOptions& options);
+  Loader(Session& session, RecordSource& source, const InsertPlan& plan,
+         const LoadOptions& options);
 
   // Loads all records behind the header and returns their number. Throws Failure at the first
   // record that does not fit or is refused: the open transaction is rolled back, and the text tells
@@ -43,10 +40,9 @@ class Loader {
   // Runs a step for the rows that are not committed; its failure names their lines.
   template <typename Step>
   void namingLines(Step step) const;
-  std::string place(const CsvRecord& record, std::size_t field) const;
 
   Session& session_;
-  CsvReader& reader_;
+  RecordSource& source_;
   LoadOptions options_;
   std::vector<Column> columns_;
   std::unique_ptr<BatchWriter> batch_;

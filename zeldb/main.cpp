@@ -18,7 +18,8 @@ namespace {
 using zeldb::ExitCode;
 
 struct CommandLine {
-  CLI::App app{"Checks data services, queries them and loads files into them.", "zeldb"};
+  CLI::App app{"Checks data services, and moves data into them, out of them and between them.",
+               "zeldb"};
   zeldb::ConnectorOptions connector;
   std::string logLevel = "warning";
   std::vector<std::pair<CLI::App*, std::unique_ptr<zeldb::Verb>>> verbs;

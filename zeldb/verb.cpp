@@ -1,6 +1,7 @@
 #include "zeldb/verb.h"
 
 #include "zeldb/check_verb.h"
+#include "zeldb/copy_verb.h"
 #include "zeldb/describe_verb.h"
 #include "zeldb/dump_verb.h"
 #include "zeldb/load_verb.h"
@@ -17,6 +18,7 @@ std::vector<std::unique_ptr<Verb>> makeVerbs() {
   verbs.push_back(std::make_unique<QueryVerb>());
   verbs.push_back(std::make_unique<LoadVerb>());
   verbs.push_back(std::make_unique<DumpVerb>());
+  verbs.push_back(std::make_unique<CopyVerb>());
   return verbs;
 }
 

@@ -1,8 +1,10 @@
-"""Values of every type go into a table and come out again with the tool, byte by byte the same.
+"""Values of every type go into a table and come out again with the tool, byte by byte the same; and
+from there into the tables of the other databases.
 
 Environment: that of `scripts/databases run`, and the program in ZELDB. Arguments: the database.
 """
 
+import itertools
 import os
 import pathlib
 import subprocess
@@ -46,33 +48,51 @@ def expected(database):
     return "\n".join(lines) + "\n"
 
 
-def main(database):
-    with tempfile.TemporaryDirectory() as name:
-        folder = pathlib.Path(name)
-        (folder / "zeldb.toml").write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
-                                           'password_env = "ZEL_TEST_PASSWORD"\n')
+class Tool:
+    def __init__(self, folder):
+        self.folder = pathlib.Path(folder)
+        services = "".join(f'[{name}]\nDSN = "{name}"\nUser = "app"\n'
+                           'password_env = "ZEL_TEST_PASSWORD"\n' for name in DATABASES)
+        (self.folder / "zeldb.toml").write_text(services)
 
-        def zeldb(*arguments):
-            subprocess.run([os.environ["ZELDB"], *arguments], check=True, cwd=folder)
+    def __call__(self, *arguments):
+        subprocess.run([os.environ["ZELDB"], *arguments], check=True, cwd=self.folder)
 
+    def create(self, database, table):
         at = DATABASES.index(database)
         columns = ", ".join(f"{column[0]} {column[1 + at]}" for column in COLUMNS)
-        (folder / "sent.csv").write_bytes(expected(database).encode())
+        self("query", database, f"drop table if exists {table}")
+        self("query", database, f"create table {table} ({columns})")
+
+    def load(self, database, table, text, generation):
+        self.create(database, table)
+        (self.folder / "sent.csv").write_bytes(text.encode())
+        self("load", database, table, "sent.csv", "--generation", generation)
+
+    def expect(self, database, table, text, generation):
+        self("dump", database, table, "--out", "got.csv", "--generation", generation)
+        got = (self.folder / "got.csv").read_bytes().decode()
+        for want, have in itertools.zip_longest(text.split(","), got.split(",")):
+            if want != have:
+                sys.exit(f"{table}, read by {generation}: want {want[:80]!r}, got {have[:80]!r}")
+
+
+def main(database):
+    with tempfile.TemporaryDirectory() as folder:
+        tool = Tool(folder)
+        text = expected(database)
         for loading in "12":
-            zeldb("query", "live", "drop table if exists round_trip")
-            zeldb("query", "live", f"create table round_trip ({columns})")
-            zeldb("load", "live", "round_trip", "sent.csv", "--generation", loading)
+            tool.load(database, f"loaded_by_{loading}", text, loading)
             for dumping in "12":
-                zeldb("dump", "live", "round_trip", "--out", "got.csv", "--generation", dumping)
-                sent, got = ((folder / file).read_bytes().decode().split(",")
-                             for file in ("sent.csv", "got.csv"))
-                for want, have in zip(sent, got):
-                    if want != have:
-                        sys.exit(f"generations {loading} and {dumping}: "
-                                 f"sent {want[:80]!r}, got {have[:80]!r}")
-                if len(sent) != len(got):
-                    sys.exit(f"generations {loading} and {dumping}: the rest is missing")
-        zeldb("query", "live", "drop table round_trip")
+                tool.expect(database, f"loaded_by_{loading}", text, dumping)
+        text = expected("SQLite")  # what all three can hold
+        tool.load(database, "copied", text, "1")
+        for target in DATABASES:
+            for generation in "12" if target != database else "":
+                table = f"from_{database.lower()}"
+                tool.create(target, table)
+                tool("copy", f"{database}.copied", f"{target}.{table}", "--generation", generation)
+                tool.expect(target, table, text, generation)
 
 
 main(*sys.argv[1:])

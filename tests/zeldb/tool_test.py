@@ -99,7 +99,8 @@ class CommandLine(ToolCase):
     def test_help_names_verbs_and_exit_codes(self):
         done = self.run_tool("--help")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        for text in ("check", "tables", "describe", "query", "load", "dump", "--services", "7    in doubt"):
+        for text in ("check", "tables", "describe", "query", "load", "dump", "copy",
+                     "--services", "7    in doubt"):
             self.assertIn(text, done.stdout)
 
     def test_check_connects(self):
@@ -369,6 +370,54 @@ class Dump(ToolCase):
         self.assertEqual(self.dump("t", "--out", "link.csv").returncode, 0)
         self.assertTrue((self.folder / "link.csv").is_symlink())
         self.assertEqual((self.folder / "old.csv").read_text(), HEAD)
+
+
+class Copy(ToolCase):
+    def setUp(self):
+        super().setUp()
+        self.write("odbc.ini", (self.folder / "odbc.ini").read_text() +
+                   f"[other]\nDriver={SQLITE_DRIVER}\nDatabase={self.folder}/other.db\n")
+        self.write("zeldb.toml", '[s]\nDSN = "db"\nUser = "u"\n'
+                                 '[o]\nDSN = "other"\nUser = "u"\n')
+        self.other(TABLE)
+
+    def other(self, statement):
+        with sqlite3.connect(self.folder / "other.db") as database:
+            return database.execute(statement).fetchall()
+
+    def test_every_value_arrives(self):
+        self.sql("insert into t values (1, 9223372036854775807, 0.1, 'a,\"b\n', "
+                 "'2024-01-02 03:04:05.678', x'00ff'), (2, 0, -1e300, '', null, x''), "
+                 "(3, null, null, null, null, null)")
+        for generation in "12":
+            for options in ([], ["--batch", "1"], ["--one-transaction"]):
+                with self.subTest(generation=generation, options=options):
+                    self.other("delete from t")
+                    done = self.run_tool("copy", "s.t", "o.t", "--generation", generation, *options)
+                    self.assertEqual((done.returncode, done.stdout, done.stderr),
+                                     (0, "3 rows copied to o.t\n", ""))
+                    self.assertEqual(self.other("select * from t"), self.sql("select * from t"))
+
+    def test_what_does_not_fit_is_refused(self):
+        self.sql("create table a (id bigint, name varchar(9))")
+        self.sql("insert into a values (1, 'x'), (2, 'x'), (2147483648, 'x'), (4, 'x')")
+        self.sql("create table b (id integer, new integer)")
+        self.sql("create table c (id integer)")
+        self.sql("insert into c values (7), (8), (7), (9)")
+        cases = [  # from, to, exit code, complaint, rows there afterwards
+            ("s.a", "o.t", 1, r's.a: row 3: column "id": .*: "2147483648"; 2 rows are committed', 2),
+            ("s.c", "o.t", 4, r"s.c: rows 3 to 4: .*UNIQUE.*; 2 rows are committed", 2),
+            ("s.b", "o.t", 2, r's.b: table t has no column "new"', 0),
+            ("s.nowhere", "o.t", 4, r".*nowhere.*", 0),
+            ("s.a", "o.nowhere", 4, r".*nowhere.*", 0),
+            ("s", "o.t", 2, r'"s" is not SERVICE.TABLE', 0),
+            ("s.a", "x.t", 2, r'.*no service "x".*', 0),
+        ]
+        for source, target, code, pattern, rows in cases:
+            with self.subTest(source):
+                self.other("delete from t")
+                self.expect(self.run_tool("copy", source, target, "--batch", "2"), code, pattern)
+                self.assertEqual(self.other("select count(*) from t"), [(rows,)])
 
 
 if __name__ == "__main__":

@@ -1,0 +1,57 @@
+#include "zeldb/copy_verb.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "zeldb/connector.h"
+#include "zeldb/failure.h"
+#include "zeldb/generation_option.h"
+#include "zeldb/insert_plan.h"
+#include "zeldb/table_records.h"
+
+namespace zeldb {
+namespace {
+
+struct Place {
+  std::string service;
+  std::string table;
+};
+
+// The table may have a schema before it, with a dot of its own.
+Place placeFrom(const std::string& text) {
+  const std::size_t dot = text.find('.');
+  if (dot == 0 || dot == std::string::npos || dot + 1 == text.size()) {
+    throw Failure(ExitCode::kUsage, fmt::format("\"{}\" is not SERVICE.TABLE", text));
+  }
+  return {text.substr(0, dot), text.substr(dot + 1)};
+}
+
+}  // namespace
+
+CLI::App* CopyVerb::declare(CLI::App& app) {
+  CLI::App* const verb = app.add_subcommand("copy", "Insert the rows of one table into another");
+  verb->add_option("FROM", from_, "SERVICE.TABLE that is read")->required();
+  verb->add_option("TO", to_, "SERVICE.TABLE that exists, with columns of the same names")
+      ->required();
+  addLoadOptions(*verb, options_);
+  addGenerationOption(*verb, generation_);
+  return verb;
+}
+
+void CopyVerb::run(Connector& connector) {
+  const Place from = placeFrom(from_);
+  const Place to = placeFrom(to_);
+  const Service target = connector.service(to.service);
+  const auto source = connector.connect(connector.service(from.service), generation_);
+  const auto rows = source->readTable(from.table);
+  TableRecords records(*rows, from_);
+  const CsvRecord& header = *records.next();
+  const InsertPlan plan = planInsert(*connector.connect(target), to.table, records, header, {});
+  const auto session = connector.connect(target, generation_);
+  const auto count = Loader(*session, records, plan, options_).run();
+  std::cout << fmt::format("{} row{} copied to {}\n", count, count == 1 ? "" : "s", to_);
+}
+
+}  // namespace zeldb
