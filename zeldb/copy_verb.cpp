@@ -51,7 +51,8 @@ void CopyVerb::run(Connector& connector) {
   const InsertPlan plan = planInsert(*connector.connect(target), to.table, records, header, {});
   const auto session = connector.connect(target, generation_);
   const auto count = Loader(*session, records, plan, options_).run();
-  std::cout << fmt::format("{} row{} copied to {}\n", count, count == 1 ? "" : "s", to_);
+  std::cout << fmt::format("{} row{} {} to {}\n", count, count == 1 ? "" : "s",
+                           options_.dryRun ? "would be copied" : "copied", to_);
 }
 
 }  // namespace zeldb

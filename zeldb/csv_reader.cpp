@@ -36,8 +36,9 @@ struct CsvReader::Parser {
   int lastLineEnd = 0;
   std::size_t headerFields = 0;
 
-  Parser() {
+  explicit Parser(char delimiter) {
     csv_init(&csv, CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL | CSV_EMPTY_IS_NULL);
+    csv_set_delim(&csv, static_cast<unsigned char>(delimiter));
     csv_set_space_func(&csv, [](unsigned char) { return 0; });
   }
   ~Parser() { csv_free(&csv); }
@@ -101,10 +102,10 @@ struct CsvReader::Parser {
   static void lineCallback(int end, void* self) { static_cast<Parser*>(self)->onLineEnd(end); }
 };
 
-CsvReader::CsvReader(const std::filesystem::path& path)
+CsvReader::CsvReader(const std::filesystem::path& path, char delimiter)
     : path_(path),
       file_(std::fopen(path.c_str(), "rb")),
-      parser_(std::make_unique<Parser>()),
+      parser_(std::make_unique<Parser>(delimiter)),
       buffer_(kChunkBytes) {
   if (!file_ || std::filesystem::is_directory(path)) {
     const int cause = file_ ? EISDIR : errno;

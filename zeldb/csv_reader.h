@@ -13,14 +13,14 @@
 
 namespace zeldb {
 
-// Reads a CSV file record by record: comma, double quotes, a quote in quotes doubled, line ends LF
-// or CRLF, a byte order mark at the start skipped. Blank lines are skipped, except below a header
-// of one field, where they are records with an empty field. White space around a field belongs to
-// it. What is in memory does not depend on the number of records.
+// Reads a CSV file record by record: comma or another delimiter, double quotes, a quote in quotes
+// doubled, line ends LF or CRLF, a byte order mark at the start skipped. Blank lines are skipped,
+// except below a header of one field, where they are records with an empty field. White space
+// around a field belongs to it. What is in memory does not depend on the number of records.
 class CsvReader : public RecordSource {
  public:
   // Throws Failure when the file cannot be opened.
-  explicit CsvReader(const std::filesystem::path& path);
+  explicit CsvReader(const std::filesystem::path& path, char delimiter = ',');
   ~CsvReader() override;
   CsvReader(const CsvReader&) = delete;
   CsvReader& operator=(const CsvReader&) = delete;

@@ -38,7 +38,10 @@ std::string ErrorRecord::explanation() const {
 
 void ErrorRecord::check(int result, const char* what) const {
   if (result != 0) {
-    throw Failure(exitCode(), fmt::format("{}: {}", what, explanation()));
+    const auto diagnostic =
+        Diagnostic::fromRecord(record_->getErrorString(), record_->getNativeErrorCode());
+    throw Failure(exitCode(), fmt::format("{}: {}", what, explanation()),
+                  diagnostic ? diagnostic->state : std::string());
   }
 }
 

@@ -16,7 +16,9 @@ namespace {
 namespace db = KORVEX::Zel::DB;
 
 [[noreturn]] void fail(const DriverLog& log, const std::string& what) {
-  throw Failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()));
+  const Diagnostic* const diagnostic = log.diagnostic();
+  throw Failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()),
+                diagnostic != nullptr ? diagnostic->state : std::string());
 }
 
 void check(db::ResultCode result, const DriverLog& log, const char* what) {

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
 
 namespace CLI {
 class App;
@@ -12,9 +16,13 @@ namespace zeldb {
 struct LoadOptions {
   std::size_t batchRows = 500;
   bool oneTransaction = false;  // instead of a transaction for each batch
+  std::string rejects;          // file that names bad rows; empty: the first one ends the load
+  std::uint64_t maxErrors = std::numeric_limits<std::uint64_t>::max();
+  bool dryRun = false;                  // everything is sent, and rolled back
+  std::optional<std::string> nullText;  // a field of this text is NULL, besides an empty one
 };
 
-// Adds "--batch" and "--one-transaction" to a verb.
+// Adds the options to a verb, "--null" apart.
 void addLoadOptions(CLI::App& verb, LoadOptions& options);
 
 }  // namespace zeldb

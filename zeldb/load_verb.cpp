@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <string_view>
 
 #include "zeldb/column_type.h"
 #include "zeldb/connector.h"
@@ -13,6 +14,16 @@
 #include "zeldb/insert_plan.h"
 
 namespace zeldb {
+namespace {
+
+std::string checkDelimiter(const std::string& text) {
+  const bool usable = text.size() == 1 && static_cast<unsigned char>(text[0]) < 0x80 &&
+                      std::string_view("\"\r\n").find(text[0]) == std::string_view::npos;
+  return usable ? "" : "not a single character that can stand between fields";
+}
+
+}  // namespace
+
 CLI::App* LoadVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("load", "Insert the rows of a CSV file into a table");
   verb->add_option("SERVICE", service_, "Name in the services file")->required();
@@ -20,6 +31,12 @@ CLI::App* LoadVerb::declare(CLI::App& app) {
   verb->add_option("FILE", file_, "CSV file whose first row names the columns")->required();
   verb->add_option("--types", types_, "NAME:TYPE,... for columns not to be read as the table says");
   addLoadOptions(*verb, options_);
+  verb->add_option("--null", options_.nullText,
+                   "Text that stands for NULL, as an empty field does");
+  verb->add_option("--delimiter", delimiter_, "Character between fields, or \"tab\"")
+      ->transform(CLI::Transformer({{"tab", "\t"}, {"\\t", "\t"}}))
+      ->check(CLI::Validator(checkDelimiter, "CHARACTER"))
+      ->default_str(",");
   addGenerationOption(*verb, generation_);
   return verb;
 }
@@ -27,7 +44,7 @@ CLI::App* LoadVerb::declare(CLI::App& app) {
 void LoadVerb::run(Connector& connector) {
   const auto types = typesFromList(types_);
   const Service service = connector.service(service_);
-  CsvReader reader(file_);
+  CsvReader reader(file_, delimiter_.front());
   const CsvRecord* const header = reader.next();
   if (header == nullptr) {
     throw Failure(ExitCode::kFile, fmt::format("{}: the file has no header", reader.place(1, 0)));
@@ -35,7 +52,8 @@ void LoadVerb::run(Connector& connector) {
   const InsertPlan plan = planInsert(*connector.connect(service), table_, reader, *header, types);
   const auto session = connector.connect(service, generation_);
   const auto rows = Loader(*session, reader, plan, options_).run();
-  std::cout << fmt::format("{} row{} loaded into {}\n", rows, rows == 1 ? "" : "s", table_);
+  std::cout << fmt::format("{} row{} {} into {}\n", rows, rows == 1 ? "" : "s",
+                           options_.dryRun ? "would be loaded" : "loaded", table_);
 }
 
 }  // namespace zeldb

@@ -18,6 +18,7 @@ class LoadVerb : public Verb {
   std::string table_;
   std::string file_;
   std::string types_;
+  std::string delimiter_ = ",";
   LoadOptions options_;
   int generation_ = 1;
 };

@@ -287,6 +287,71 @@ class Load(ToolCase):
                             f"f.csv:4:1: rows of lines 4 to 5: {pattern}; 2 rows are committed")
                 self.assertEqual(self.sql("select count(*) from t"), [(rows,)])
 
+    def test_bad_rows_are_named_and_good_ones_kept(self):
+        text = HEAD + "1,,,,,\n2,x,,,,\n3,,,\n4,,,\"two\nlines\",,\n1,,,,,\n6,,,,,\n1,,,,,\n" \
+                      "8,,,,,\n"
+        names = ["3,22018", "4,21S01", "7,HY000", "9,HY000"]
+        head = "line,sqlstate,reason"
+        cases = [  # options, exit code, complaint, rows named, keys in the table
+            (["--batch", "8"], 1, "4 rows rejected, named in r.csv; 4 rows are committed", 4,
+             [1, 4, 6, 8]),
+            (["--batch", "1"], 1, "4 rows rejected, named in r.csv; 4 rows are committed", 4,
+             [1, 4, 6, 8]),
+            (["--batch", "3", "--max-errors", "4"], 1, "4 rows rejected, .*; 4 rows .*", 4,
+             [1, 4, 6, 8]),
+            (["--batch", "1", "--max-errors", "2"], 1,
+             "3 rows rejected, named in r.csv, more than the 2 allowed; 2 rows are committed", 3,
+             [1, 4]),
+            (["--max-errors", "0"], 1, "1 row rejected, .* the 0 allowed; 0 rows are committed", 1,
+             []),
+            # What is rolled back cannot be in the way of later rows.
+            (["--dry-run"], 1, "2 rows rejected, named in r.csv; 0 rows are committed", 2, []),
+        ]
+        for generation in "12":
+            for options, code, pattern, count, keys in cases:
+                with self.subTest(generation=generation, options=options):
+                    self.sql("delete from t")
+                    done = self.load(text, "--rejects", "r.csv", "--generation", generation,
+                                     *options)
+                    self.expect(done, code, pattern)
+                    lines = (self.folder / "r.csv").read_text().splitlines()
+                    self.assertEqual([line[:7] for line in lines], [head[:7]] + names[:count])
+                    self.assertEqual(self.sql("select id from t order by id"),
+                                     [(key,) for key in keys])
+                    for line in lines[3:]:
+                        self.assertRegex(line, r"^\d,HY000,.*UNIQUE")
+
+    def test_failures_that_are_no_rows_fault_end_the_load(self):
+        text = HEAD + "".join(f"{n},,,,,\n" for n in range(1, 6))
+        for fault, code in [("SQLExecute -3 08S01", 3), ("SQLEndTran 3 08S01", 7),
+                            ("SQLExecute -3 40001", 4), ("SQLExecute -3 42501", 4)]:
+            with self.subTest(fault):
+                self.sql("delete from t")
+                done = self.load(text, "--batch", "2", "--rejects", "r.csv", fault=fault)
+                self.expect(done, code, f"f.csv:4:1: rows of lines 4 to 5: .*{fault[-5:]}.*; 2 .*")
+        self.expect(self.load(text, "--rejects", "no/r.csv"), 6, "no/r.csv: No such file .*")
+
+    def test_a_dry_run_changes_nothing(self):
+        rows = "1,,,,,\n2,,,,,\n"
+        for generation in "12":
+            done = self.load(HEAD + rows, "--dry-run", "--batch", "1", "--generation", generation)
+            self.assertEqual((done.returncode, done.stdout),
+                             (0, "2 rows would be loaded into t\n"), done.stderr)
+        self.expect(self.load(HEAD + rows + "1,,,,,\n", "--dry-run"), 4, ".*UNIQUE.*; 0 rows .*")
+        self.assertEqual(self.sql("select count(*) from t"), [(0,)])
+
+    def test_other_delimiters_and_nulls(self):
+        for option, character in [("tab", "\t"), (";", ";"), ("|", "|")]:
+            self.sql("delete from t")
+            text = "id,big,name\n1,NULL,NULL\n2,3,\n4,5,\"a, b\"\n"
+            done = self.load(text.replace(",", character).replace(f"a{character} b", "a, b"),
+                             "--delimiter", option, "--null", "NULL")
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertEqual(self.sql("select id, big, name from t"),
+                             [(1, None, None), (2, 3, None), (4, 5, "a, b")])
+        for option in ("", "ab", "é", '"', "\n"):
+            self.expect(self.load(HEAD, "--delimiter", option), 2, ".*delimiter.*")
+
     def test_interrupting_keeps_whole_batches(self):
         os.mkfifo(self.folder / "pipe")
         with subprocess.Popen([ZELDB, "load", "s", "t", "pipe", "--batch", "10"], cwd=self.folder,
@@ -322,7 +387,8 @@ class Dump(ToolCase):
     def test_a_dump_loads_again(self):
         self.sql("create table one (a varchar(10))")
         for name, rows in [("t", "(1, 5, 0.1, 'a,\"b\n', '2024-01-02 03:04:05.678', x'00ff'), "
-                                 "(2, null, null, '', null, x''), (3, null, null, null, null, null)"),
+                                 "(2, null, null, '', null, x''), "
+                                 "(3, null, null, null, null, null)"),
                            ("one", "(null), (''), ('x'), (null)")]:
             self.sql(f"insert into {name} values {rows}")
             for generation in "12":
@@ -405,7 +471,7 @@ class Copy(ToolCase):
         self.sql("create table c (id integer)")
         self.sql("insert into c values (7), (8), (7), (9)")
         cases = [  # from, to, exit code, complaint, rows there afterwards
-            ("s.a", "o.t", 1, r's.a: row 3: column "id": .*: "2147483648"; 2 rows are committed', 2),
+            ("s.a", "o.t", 1, r's.a: row 3: column "id": .*: "2147483648"; 2 rows .*', 2),
             ("s.c", "o.t", 4, r"s.c: rows 3 to 4: .*UNIQUE.*; 2 rows are committed", 2),
             ("s.b", "o.t", 2, r's.b: table t has no column "new"', 0),
             ("s.nowhere", "o.t", 4, r".*nowhere.*", 0),
