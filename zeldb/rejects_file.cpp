@@ -29,7 +29,7 @@ std::string RejectsFile::summary() const {
 }
 
 void RejectsFile::writeLine(const std::string& line) {
-  if (!(file_ << line << std::endl)) {
+  if (!(file_ << line << '\n' << std::flush)) {
     throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_, std::strerror(errno)));
   }
 }
