@@ -138,7 +138,7 @@ class CatalogueOf : public testing::TestWithParam<const Catalogue*> {
       const std::string name = quoted((at % 2 == 0 ? "Col " : "col_") + std::to_string(at));
       const bool key = at <= number % 3;
       columns += name + " " + type.sqlType + (key || at % 3 == 0 ? " not null" : "") + ", ";
-      if (key) keys = name + (keys.empty() ? "" : ", ") + keys;
+      if (key) keys.insert(0, name + (keys.empty() ? "" : ", "));
     }
     const std::string table = qualified(tableName(number));
     connection_.run("drop table if exists " + table);

@@ -36,8 +36,8 @@ struct SampleText {
 struct TypeSamples {
   const char* name;
   unsigned int type;
-  const char* sqlTypes[3];  // of the databases in the order of kQuirks
   int largestBatch;
+  const char* sqlTypes[3];  // of the databases in the order of kQuirks
   std::vector<SampleText> values;
 };
 
@@ -52,54 +52,54 @@ const std::string kScripts = "é€😀ไทย'\"`\\;--?%_";
 
 // clang-format off
 const TypeSamples kTypes[] = {
-    {"int16", kInt16, {"smallint", "smallint", "smallint"}, 1000,
+    {"int16", kInt16, 1000, {"smallint", "smallint", "smallint"},
      {{"min", "-32768"}, {"max", "32767"}, {"zero", "0"}, {"typical", "-1234"}}},
-    {"integer", kInteger, {"integer", "integer", "integer"}, kAllRows,
+    {"integer", kInteger, kAllRows, {"integer", "integer", "integer"},
      {{"min", "-2147483648"}, {"max", "2147483647"}, {"zero", "0"}, {"typical", "1234567"}}},
-    {"long", kLong, {"bigint", "bigint", "bigint"}, 1000,
+    {"long", kLong, 1000, {"bigint", "bigint", "bigint"},
      {{"min", "-9223372036854775808"}, {"max", "9223372036854775807"}, {"zero", "0"},
       {"typical", "1234567890123"}}},
-    {"interval", kInterval, {"bigint", "bigint", "bigint"}, 1000,
+    {"interval", kInterval, 1000, {"bigint", "bigint", "bigint"},
      {{"min", "-9223372036854775808"}, {"max", "9223372036854775807"}, {"zero", "0"}}},
-    {"float", kFloat, {"double", "double precision", "double"}, 1000,
+    {"float", kFloat, 1000, {"double", "double precision", "double"},
      {{"min", "-1.7976931348623157e308"}, {"max", "1.7976931348623157e308"}, {"zero", "0"},
       {"typical", "12345.6789"}, {"17 digits", "0.30000000000000004"},
       {"smallest", "2.2250738585072014e-308"}}},
-    {"money", kMoney, {"decimal(19,4)", "numeric(19,4)", "decimal(19,4)"}, 1000,
+    {"money", kMoney, 1000, {"decimal(19,4)", "numeric(19,4)", "decimal(19,4)"},
      {{"min", "-922337203685477.5807"}, {"max", "922337203685477.5807"}, {"zero", "0.0000"},
       {"typical", "-12.3400"}}},
-    {"money(15)", kMoney15, {"decimal(19,15)", "numeric(19,15)", "decimal(19,15)"}, 1000,
+    {"money(15)", kMoney15, 1000, {"decimal(19,15)", "numeric(19,15)", "decimal(19,15)"},
      {{"min", "-9223.372036854775807"}, {"max", "9223.372036854775807"}, {"zero", "0"}}},
-    {"decimal(34,10)", createFixedDecimal(34, 10),
-     {"decimal(34,10)", "numeric(34,10)", "decimal(34,10)"}, kAllRows,
+    {"decimal(34,10)", createFixedDecimal(34, 10), kAllRows,
+     {"decimal(34,10)", "numeric(34,10)", "decimal(34,10)"},
      {{"min", "-" + kIntegerDigits + ".9999999999"}, {"max", kIntegerDigits + ".9999999999"},
       {"zero", "0"}, {"typical", "12345.6789"}, {"smallest", "0.0000000001"}}},
-    {"decimal(34,0)", createFixedDecimal(34, 0),
-     {"decimal(34,0)", "numeric(34,0)", "decimal(34,0)"}, 1000,
+    {"decimal(34,0)", createFixedDecimal(34, 0), 1000,
+     {"decimal(34,0)", "numeric(34,0)", "decimal(34,0)"},
      {{"min", "-" + std::string(34, '9')}, {"max", std::string(34, '9')}, {"zero", "0"}}},
-    {"boolean", kBoolean, {"bit", "boolean", "bit(1)"}, 1000, {{"false", "0"}, {"true", "1"}}},
-    {"date", kDate, {"timestamp", "timestamp(0)", "datetime"}, 1000,
+    {"boolean", kBoolean, 1000, {"bit", "boolean", "bit(1)"}, {{"false", "0"}, {"true", "1"}}},
+    {"date", kDate, 1000, {"timestamp", "timestamp(0)", "datetime"},
      {{"min", "1000-01-01T00:00:00"}, {"max", "9999-12-31T23:59:59"},
       {"zero", "1970-01-01T00:00:00"}, {"typical", "2024-02-29T12:34:56"}}},
-    {"timestamp", kTimestamp, {"timestamp", "timestamp(3)", "datetime(3)"}, 1000,
+    {"timestamp", kTimestamp, 1000, {"timestamp", "timestamp(3)", "datetime(3)"},
      {{"min", "1000-01-01T00:00:00.000"}, {"max", "9999-12-31T23:59:59.999"},
       {"zero", "1970-01-01T00:00:00.000"}, {"typical", "1969-12-31T23:59:59.001"}}},
-    {"bigdatetime", kBigDateTime, {"timestamp", "timestamp(6)", "datetime(6)"}, 1000,
+    {"bigdatetime", kBigDateTime, 1000, {"timestamp", "timestamp(6)", "datetime(6)"},
      {{"min", "1000-01-01T00:00:00.000000"}, {"max", "9999-12-31T23:59:59.999000"},
       {"zero", "1970-01-01T00:00:00.000000"}, {"microseconds", "2024-02-29T12:34:56.123456"}}},
-    {"time", kTime, {"time", "time", "time"}, 1000,
+    {"time", kTime, 1000, {"time", "time", "time"},
      {{"min", "00:00:00"}, {"max", "23:59:59"}, {"typical", "12:34:56"}}},
-    {"string", kString, {"varchar(8000)", "varchar(8000)", "varchar(8000)"}, kAllRows,
+    {"string", kString, kAllRows, {"varchar(8000)", "varchar(8000)", "varchar(8000)"},
      {{"empty", ""}, {"blanks", "  a  "}, {"typical", "text"}, {"scripts and quotes", kScripts}}},
-    {"text", kString, {"text", "text", "longtext"}, 2,
+    {"text", kString, 2, {"text", "text", "longtext"},
      {{"7999 bytes", repeated(kScripts, 7999)}, {"8000 bytes", repeated(kScripts, 8000)},
       {"8001 bytes", repeated(kScripts, 8001)}, {"20000 bytes", repeated(kScripts, 20000)}}},
-    {"longest text", kString, {"text", "text", "longtext"}, 1,
+    {"longest text", kString, 1, {"text", "text", "longtext"},
      {{"10000000 bytes", repeated(kScripts, 10'000'000)}}},
-    {"binary", kBinary, {"blob", "bytea", "varbinary(8001)"}, 1000,
+    {"binary", kBinary, 1000, {"blob", "bytea", "varbinary(8001)"},
      {{"eight bytes", std::string("\0\1\0\xFF\x7F\x80\0\0", 8)},
-      {"zeros", std::string(8, '\0')}, {"text", "'\"\\\0??"}}},
-    {"binary", kBinary, {"blob", "bytea", "longblob"}, 2,
+      {"zeros", std::string(8, '\0')}, {"text", std::string("'\"\\\0?;'?", 8)}}},
+    {"binary", kBinary, 2, {"blob", "bytea", "longblob"},
      {{"empty", ""}, {"8001 bytes", repeated(std::string("\0\xFE", 2), 8001)},
       {"20000 bytes", repeated(std::string("\0'\\", 3), 20000)}}},
 };
@@ -287,7 +287,7 @@ TEST_P(ValueMatrix, CarriesEveryValueInEveryBatch) {
 }
 
 TEST_P(ValueMatrix, CarriesBinaryValuesOfSeveralLengths) {
-  const TypeSamples samples{"binary", kBinary, {"blob", "bytea", "longblob"}, 2, {}};
+  const TypeSamples samples{"binary", kBinary, 2, {"blob", "bytea", "longblob"}, {}};
   const std::string texts[] = {std::string("\0\1", 2), "longer", "", std::string(300, '\0')};
   Values values;
   for (const std::string& text : texts) values.push_back(parsed(kBinary, text));
