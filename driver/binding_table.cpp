@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <ctime>
 #include <iostream>
 #include <iterator>
 
 #include "datatypes/data_types.h"
 #include "driver/family_places.h"
+#include "driver2/timestamp_structure.h"
 #include "odbc/byte_store.h"
 
 namespace KORVEX::Zel::DB {
@@ -179,26 +179,10 @@ bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& ti
     std::cout << "Invalid data for converting as time\n";
     return false;
   }
-  // Floor division: the remainder, and with it the fraction, is never negative.
-  long seconds = value.int64 / scale->perSecond;
-  long remainder = value.int64 % scale->perSecond;
-  if (remainder < 0) {
-    remainder += scale->perSecond;
-    --seconds;
-  }
-  tm time{};
-  if (!DataTypes::breakDownUtc(seconds, time)) {
-    std::cout << "Error converting value as date\n";
-    return false;
-  }
-  timestamp.year = static_cast<SQLSMALLINT>(time.tm_year + 1900);
-  timestamp.month = static_cast<SQLUSMALLINT>(time.tm_mon + 1);
-  timestamp.day = static_cast<SQLUSMALLINT>(time.tm_mday);
-  timestamp.hour = static_cast<SQLUSMALLINT>(time.tm_hour);
-  timestamp.minute = static_cast<SQLUSMALLINT>(time.tm_min);
-  timestamp.second = static_cast<SQLUSMALLINT>(time.tm_sec);
-  timestamp.fraction = static_cast<SQLUINTEGER>(remainder) * scale->nanosPerUnit;
-  return true;
+  if (ODBC::makeTimestamp(value.int64, scale->perSecond, scale->nanosPerUnit, timestamp))
+    return true;
+  std::cout << "Error converting value as date\n";
+  return false;
 }
 
 }  // namespace KORVEX::Zel::DB

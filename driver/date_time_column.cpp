@@ -12,6 +12,7 @@
 #include <span>
 
 #include "datatypes/data_types.h"
+#include "driver2/timestamp_structure.h"
 #include "host/intl.h"
 
 namespace KORVEX::Zel::DB {
@@ -19,7 +20,6 @@ namespace KORVEX::Zel::DB {
 namespace {
 
 using DataTypes::DataValue;
-using ODBC::Odbc;
 using ODBC::OdbcCol;
 
 // Microsoft SQL Server's time type with a fraction; its structure starts like an ODBC time.
@@ -81,9 +81,7 @@ ColumnLayout layoutOf(OdbcCol& column) {
 
 // The column's bytes where they lie.
 ReadResult readBytes(OdbcCol& column, std::span<const unsigned char>& bytes) {
-  const Odbc::e_Status status = column.GetBytes(bytes);
-  if (status == Odbc::e_Ok) return {ReadResult::kValue};
-  return {status == Odbc::e_Null ? ReadResult::kNull : ReadResult::kFailed};
+  return readResultOf(column.GetBytes(bytes));
 }
 
 std::string textOf(std::span<const unsigned char> bytes) {
@@ -113,17 +111,6 @@ bool inRange(const TIMESTAMP_STRUCT& t) {
   return t.year >= 0 && t.year <= 9999 && t.month >= 1 && t.month <= 12 && t.day >= 1 &&
          t.day <= 31 && t.hour <= 23 && t.minute <= 59 && t.second <= 61 &&
          t.fraction < kNanosPerSecond;
-}
-
-tm brokenDown(const TIMESTAMP_STRUCT& t) {
-  tm result{};
-  result.tm_year = t.year - 1900;
-  result.tm_mon = t.month - 1;
-  result.tm_mday = t.day;
-  result.tm_hour = t.hour;
-  result.tm_min = t.minute;
-  result.tm_sec = t.second;
-  return result;
 }
 
 using SecondsOf = long (*)(const tm* time);
@@ -197,7 +184,7 @@ ReadResult readDate(OdbcCol& column, unsigned int type, SecondsOf secondsOf, Dat
   const ReadResult result = readStructure(column, layout, timestamp);
   if (result.outcome != ReadResult::kValue) return result;
   if (!inRange(timestamp)) return parseFields(timestamp, *row, cell);
-  cell.int64 = countOf(brokenDown(timestamp), timestamp.fraction, *row, secondsOf);
+  cell.int64 = countOf(ODBC::brokenDown(timestamp), timestamp.fraction, *row, secondsOf);
   return result;
 }
 

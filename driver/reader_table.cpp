@@ -25,12 +25,6 @@ using DataTypes::TypeFamily;
 using ODBC::Odbc;
 using ODBC::OdbcCol;
 
-// The outcome of a column accessor: a value, NULL, or a failure that the driver's diagnostic tells.
-ReadResult outcomeOf(Odbc::e_Status status) {
-  if (status == Odbc::e_Ok) return {ReadResult::kValue};
-  return {status == Odbc::e_Null ? ReadResult::kNull : ReadResult::kFailed};
-}
-
 short cTypeOf(OdbcCol& column) {
   short cType = 0;
   int length = 0;
@@ -41,7 +35,7 @@ short cTypeOf(OdbcCol& column) {
 // The bytes of a text, binary or structure column where they lie; a text has its NUL behind it.
 ReadResult readBytes(OdbcCol& column, std::string_view& bytes) {
   std::span<const unsigned char> span;
-  const ReadResult result = outcomeOf(column.GetBytes(span));
+  const ReadResult result = readResultOf(column.GetBytes(span));
   bytes = {reinterpret_cast<const char*>(span.data()), span.size()};
   return result;
 }
@@ -60,7 +54,7 @@ constexpr ReadResult kOutOfMemory = {ReadResult::kFailed, "not enough memory for
 template <auto Member, typename Value>
 ReadResult readWith(OdbcCol& column, unsigned int, DataValue& cell) {
   Value value{};
-  const ReadResult result = outcomeOf(column.GetData(value));
+  const ReadResult result = readResultOf(column.GetData(value));
   if (result.outcome == ReadResult::kValue) cell.*Member = value;
   return result;
 }
@@ -81,7 +75,7 @@ ReadResult readInt64(OdbcCol& column, unsigned int, DataValue& cell) {
     }
   }
   if (status == Odbc::e_Ok) cell.int64 = value;
-  return outcomeOf(status);
+  return readResultOf(status);
 }
 
 ReadResult readDouble(OdbcCol& column, unsigned int, DataValue& cell) {
@@ -96,7 +90,7 @@ ReadResult readDouble(OdbcCol& column, unsigned int, DataValue& cell) {
     value = number.toDouble();
   }
   if (status == Odbc::e_Ok) cell.float64 = value;
-  return outcomeOf(status);
+  return readResultOf(status);
 }
 
 // The column as text: characters as they are, numbers and date structures formatted. `plainNumbers`
@@ -114,7 +108,7 @@ ReadResult readAsText(OdbcCol& column, bool plainNumbers, std::string& formatted
   const Odbc::e_Status status = readColumnNumber(column, number);
   if (status == Odbc::e_Ok) formatted = number.toText(plainNumbers);
   text = formatted;
-  return outcomeOf(status);
+  return readResultOf(status);
 }
 
 ReadResult readString(OdbcCol& column, unsigned int, DataValue& cell) {
@@ -204,6 +198,11 @@ constexpr ReaderRow kReaders[] = {
 constexpr auto kPlaces = familyPlaces(kReaders);
 
 }  // namespace
+
+ReadResult readResultOf(Odbc::e_Status status) {
+  if (status == Odbc::e_Ok) return {ReadResult::kValue};
+  return {status == Odbc::e_Null ? ReadResult::kNull : ReadResult::kFailed};
+}
 
 ColumnReader findColumnReader(unsigned int type, bool safely) {
   const std::size_t at = kPlaces[static_cast<std::size_t>(DataTypes::familyOf(type))];

@@ -18,6 +18,10 @@ struct ReadResult {
   const char* reason = nullptr;  // why it failed, where the conversion says so; a constant text
 };
 
+// How the status of a column accessor reads: a value, NULL, or a failure that the driver's
+// diagnostic tells.
+ReadResult readResultOf(ODBC::Odbc::e_Status status);
+
 // Reads the current value of a column as the given type into `value`; for strings and bytes the
 // cell receives a malloc'ed buffer that belongs to the caller. The null flag is the caller's to
 // set.

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <ctime>
 #include <iterator>
 
 #include "datatypes/data_types.h"
 #include "driver2/db_error2_odbc.h"
+#include "driver2/timestamp_structure.h"
 
 namespace KORVEX::Zel::DB::ODBC {
 
@@ -25,26 +25,12 @@ std::int64_t loadInt64(const void* value) {
   return number;
 }
 
-// Floor division: the remainder, and with it the fraction, is never negative.
 template <long UnitsPerSecond, unsigned int NanosPerUnit>
 int convertDate(const void* value, unsigned int, ParameterScratch& scratch, BoundValue& bound,
                 DBError* error) {
-  const long count = loadInt64(value);
-  long seconds = count / UnitsPerSecond;
-  long remainder = count % UnitsPerSecond;
-  if (remainder < 0) {
-    remainder += UnitsPerSecond;
-    --seconds;
+  if (!makeTimestamp(loadInt64(value), UnitsPerSecond, NanosPerUnit, scratch.timestamp)) {
+    return failAccess(error, "error converting date");
   }
-  tm time{};
-  if (!DataTypes::breakDownUtc(seconds, time)) return failAccess(error, "error converting date");
-  scratch.timestamp = {static_cast<SQLSMALLINT>(time.tm_year + 1900),
-                       static_cast<SQLUSMALLINT>(time.tm_mon + 1),
-                       static_cast<SQLUSMALLINT>(time.tm_mday),
-                       static_cast<SQLUSMALLINT>(time.tm_hour),
-                       static_cast<SQLUSMALLINT>(time.tm_min),
-                       static_cast<SQLUSMALLINT>(time.tm_sec),
-                       static_cast<SQLUINTEGER>(remainder) * NanosPerUnit};
   bound = {&scratch.timestamp, sizeof scratch.timestamp};
   return 0;
 }

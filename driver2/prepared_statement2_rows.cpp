@@ -12,6 +12,7 @@
 #include "driver2/malloc_block.h"
 #include "driver2/packed_binary.h"
 #include "driver2/prepared_statement2_odbc.h"
+#include "driver2/timestamp_structure.h"
 #include "host/row_internal2.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -23,23 +24,12 @@ namespace {
 constexpr char kNoMemory[] = "memory allocation";
 constexpr std::size_t kTableEndGap = 4;  // between the offset table and the first value
 
-tm brokenDown(int year, int month, int day, int hour, int minute, int second) {
-  tm time{};
-  time.tm_year = year - 1900;
-  time.tm_mon = month - 1;
-  time.tm_mday = day;
-  time.tm_hour = hour;
-  time.tm_min = minute;
-  time.tm_sec = second;
-  return time;
-}
-
 std::int64_t timestampCount(const TIMESTAMP_STRUCT& t, unsigned int type,
                             long (*secondsOf)(const tm*)) {
   if (DataTypes::typeNumber(type) == DataTypes::kTime) {
     return t.hour * 3600 + t.minute * 60 + t.second;
   }
-  const tm time = brokenDown(t.year, t.month, t.day, t.hour, t.minute, t.second);
+  const tm time = brokenDown(t);
   const std::int64_t seconds = secondsOf(&time);
   switch (DataTypes::typeNumber(type)) {
     case DataTypes::kTimestamp:
@@ -123,7 +113,7 @@ int PreparedStatement2Odbc::getDataColumn<SQL_C_TYPE_DATE>(std::size_t column, v
   if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
   length = SQL_NULL_DATA;
   if (glen == SQL_NULL_DATA) return 0;
-  const tm time = brokenDown(date.year, date.month, date.day, 0, 0, 0);
+  const tm time = brokenDown({date.year, date.month, date.day, 0, 0, 0, 0});
   const std::int64_t seconds = policy_.secondsOf(&time);
   std::memcpy(destination, &seconds, sizeof seconds);
   length = sizeof seconds;
