@@ -141,22 +141,34 @@ class ServiceReader {
   Service service_;
 };
 
+toml::table parseServices(const std::filesystem::path& path) {
+  std::ifstream in(path);
+  if (!in || std::filesystem::is_directory(path)) {
+    throw Failure(ExitCode::kUsage, fmt::format("{}: services file cannot be read", path.string()));
+  }
+  try {
+    return toml::parse(in, path.string());
+  } catch (const toml::parse_error& error) {
+    const auto& begin = error.source().begin;
+    throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: {}", path.string(), begin.line,
+                                                begin.column, error.description()));
+  }
+}
+
 }  // namespace
 
 Service ServicesFile::find(const std::string& name) const {
-  std::ifstream in(path_);
-  if (!in || std::filesystem::is_directory(path_)) {
-    throw Failure(ExitCode::kUsage,
-                  fmt::format("{}: services file cannot be read", path_.string()));
+  const toml::table services = parseServices(path_);
+  return ServiceReader(path_, services).read(name);
+}
+
+std::vector<std::string> ServicesFile::names() const {
+  std::vector<std::string> names;
+  const toml::table services = parseServices(path_);
+  for (const auto& [key, value] : services) {
+    names.emplace_back(key.str());
   }
-  try {
-    const toml::table services = toml::parse(in, path_.string());
-    return ServiceReader(path_, services).read(name);
-  } catch (const toml::parse_error& error) {
-    const auto& begin = error.source().begin;
-    throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: {}", path_.string(), begin.line,
-                                                begin.column, error.description()));
-  }
+  return names;
 }
 
 }  // namespace zeldb

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "zeldb/service.h"
 
@@ -27,6 +28,10 @@ class ServicesFile {
   // file cannot be read or parsed, has no such service, or the service has an unknown key, a value
   // of the wrong type, more than one password or no DSN or User.
   Service find(const std::string& name) const;
+
+  // The names of all services, in alphabetical order. Throws Failure when the file cannot be read
+  // or parsed.
+  std::vector<std::string> names() const;
 
  private:
   std::filesystem::path path_;

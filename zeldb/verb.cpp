@@ -1,6 +1,7 @@
 #include "zeldb/verb.h"
 
 #include "zeldb/check_verb.h"
+#include "zeldb/complete_verb.h"
 #include "zeldb/copy_verb.h"
 #include "zeldb/describe_verb.h"
 #include "zeldb/dump_verb.h"
@@ -19,6 +20,7 @@ std::vector<std::unique_ptr<Verb>> makeVerbs() {
   verbs.push_back(std::make_unique<LoadVerb>());
   verbs.push_back(std::make_unique<DumpVerb>());
   verbs.push_back(std::make_unique<CopyVerb>());
+  verbs.push_back(std::make_unique<CompleteVerb>());
   return verbs;
 }
 
