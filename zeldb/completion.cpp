@@ -106,8 +106,8 @@ class Completion {
   std::vector<Candidate> services(const std::string& suffix) const {
     std::vector<Candidate> found;
     try {
-      for (const std::string& name : ServicesFile(services_).names()) {
-        found.push_back({name + suffix, {}});
+      for (const auto& entry : ServicesFile(services_).entries()) {
+        found.push_back({entry.name + suffix, {}});
       }
     } catch (const Failure&) {  // who completes a word is not to be told of a missing file
     }

@@ -141,7 +141,7 @@ class ServiceReader {
   Service service_;
 };
 
-toml::table parseServices(const std::filesystem::path& path) {
+toml::table parse(const std::filesystem::path& path) {
   std::ifstream in(path);
   if (!in || std::filesystem::is_directory(path)) {
     throw Failure(ExitCode::kUsage, fmt::format("{}: services file cannot be read", path.string()));
@@ -158,15 +158,28 @@ toml::table parseServices(const std::filesystem::path& path) {
 }  // namespace
 
 Service ServicesFile::find(const std::string& name) const {
-  const toml::table services = parseServices(path_);
+  const toml::table services = parse(path_);
   return ServiceReader(path_, services).read(name);
 }
 
-std::vector<std::string> ServicesFile::names() const {
+std::vector<ServicesFile::Entry> ServicesFile::entries() const {
+  std::vector<Entry> entries;
+  const toml::table services = parse(path_);
+  for (const auto& [name, node] : services) {
+    if (const toml::table* const table = node.as_table()) {
+      Entry& entry = entries.emplace_back(Entry{std::string(name.str()), {}});
+      for (const auto& [key, value] : *table) {
+        entry.keys[std::string(key.str())] = value.value_or(std::string());
+      }
+    }
+  }
+  return entries;
+}
+
+std::vector<std::string> ServicesFile::knownKeys() {
   std::vector<std::string> names;
-  const toml::table services = parseServices(path_);
-  for (const auto& [key, value] : services) {
-    names.emplace_back(key.str());
+  for (const Key& key : kKeys) {
+    names.emplace_back(key.name);
   }
   return names;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,9 +30,16 @@ class ServicesFile {
   // of the wrong type, more than one password or no DSN or User.
   Service find(const std::string& name) const;
 
-  // The names of all services, in alphabetical order. Throws Failure when the file cannot be read
-  // or parsed.
-  std::vector<std::string> names() const;
+  // A table of the file, unchecked: its keys, with the values that are texts, else empty ones.
+  struct Entry {
+    std::string name;
+    std::map<std::string, std::string> keys;
+  };
+  // All tables of the file, by name. Throws Failure when it cannot be read or parsed.
+  std::vector<Entry> entries() const;
+
+  // The keys that a service may have.
+  static std::vector<std::string> knownKeys();
 
  private:
   std::filesystem::path path_;
