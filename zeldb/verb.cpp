@@ -4,6 +4,7 @@
 #include "zeldb/complete_verb.h"
 #include "zeldb/copy_verb.h"
 #include "zeldb/describe_verb.h"
+#include "zeldb/doctor_verb.h"
 #include "zeldb/dump_verb.h"
 #include "zeldb/load_verb.h"
 #include "zeldb/query_verb.h"
@@ -14,6 +15,7 @@ namespace zeldb {
 std::vector<std::unique_ptr<Verb>> makeVerbs() {
   std::vector<std::unique_ptr<Verb>> verbs;
   verbs.push_back(std::make_unique<CheckVerb>());
+  verbs.push_back(std::make_unique<DoctorVerb>());
   verbs.push_back(std::make_unique<TablesVerb>());
   verbs.push_back(std::make_unique<DescribeVerb>());
   verbs.push_back(std::make_unique<QueryVerb>());
