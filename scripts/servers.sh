@@ -61,7 +61,8 @@ make_scratch() { # NAME: a folder for the servers' data
 server_pid() { # PID_FILE
   local pid
   pid=$(head -n 1 "$1" 2>/dev/null) || return 1
-  [[ -n $pid ]] && tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null | grep -qF "$SCRATCH" &&
+  [[ -n $pid && -r /proc/$pid/cmdline ]] &&
+    tr '\0' ' ' <"/proc/$pid/cmdline" 2>/dev/null | grep -qF "$SCRATCH" &&
     echo "$pid"
 }
 

@@ -30,8 +30,8 @@ BROKEN = {
         "SQLite", {}, ('"SQLite"', '"SQliet"'), "data source", 2,
         'the service names DSN "SQliet"; there is "SQLite"', 'write DSN = "SQLite" in zeldb.toml'),
     "misspelt key": (
-        "SQLite", {}, ("User", "Usr"), "service", 2, "the service's keys cannot be used as they are",
-        "write User for Usr"),
+        "SQLite", {}, ("User", "Usr"), "service", 2,
+        "the service's keys cannot be used as they are", "write User for Usr"),
     "password not given": (
         "SQLite", {}, ("DOCTOR_PASSWORD", "NOT_GIVEN"), "service", 2,
         "the service's keys cannot be used as they are",
@@ -71,7 +71,8 @@ BROKEN = {
         "correct Servername and Port of [PostgreSQL] in {ini}"),
     "unknown host": (
         "MariaDB", {"SERVER": "nowhere.invalid"}, None, "reach", 3,
-        'the name "nowhere.invalid" has no address', "correct SERVER and PORT of [MariaDB] in {ini}"),
+        'the name "nowhere.invalid" has no address',
+        "correct SERVER and PORT of [MariaDB] in {ini}"),
     "wrong password, PostgreSQL": (
         "PostgreSQL", {}, ("DOCTOR_PASSWORD", "HOME"), "login 1", 3,
         'the server does not know user "app", or the password is wrong',
@@ -102,7 +103,8 @@ BROKEN = {
         "PostgreSQL", {"UseServerSidePrepare": "0"}, None, "parameters", 4,
         "the driver does not describe parameters (SQLDescribeParam): no batches, and no second "
         "generation",
-        "set UseServerSidePrepare=1 in [PostgreSQL] in {ini}, or remove the line: 1 is the default"),
+        "set UseServerSidePrepare=1 in [PostgreSQL] in {ini}, or remove the line: 1 is the "
+        "default"),
     "narrow character set": (
         "MariaDB", {"CHARSET": "utf8"}, None, "text", 4,
         "the character set of the connection or the column has no such characters",
