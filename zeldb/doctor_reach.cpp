@@ -109,8 +109,11 @@ Finding checkServers(DoctorPatient& patient) {
   if (worst == Reach::kReached) {
     return Finding::ok(all);
   }
-  return reached ? Finding::warning(all, std::move(advice))
-                 : Finding::failed(ExitCode::kConnect, all, std::move(advice));
+  if (!reached) {
+    return Finding::failed(ExitCode::kConnect, all, std::move(advice));
+  }
+  advice.cause += seen.size() > 1 ? "; the driver goes on to the next in the list" : "";
+  return Finding::warning(all, std::move(advice));
 }
 
 Finding checkFile(DoctorPatient& patient) {
