@@ -60,7 +60,7 @@ Advice adviceFor(const DoctorPatient& patient, const ServerAddress& address, Rea
     case Reach::kSilent:
       return {fmt::format("{} accepts a connection, but does not greet as {} does", where,
                           driver.database),
-              fmt::format("look whether the server hangs or looks names up, or {}", correct)};
+              fmt::format("look whether the server hangs, give it more --seconds, or {}", correct)};
     default:
       return {fmt::format("{} cannot be reached", where), correct};
   }
@@ -95,7 +95,7 @@ Finding checkServers(DoctorPatient& patient) {
   Reach worst = Reach::kReached;
   for (const ServerAddress& address : addressesOf(patient)) {
     const ProbeResult result = probeServer(address, patient.driver->greeting, patient.networkLimit);
-    reached = reached || result.reach <= Reach::kSilent;
+    reached = reached || result.reach == Reach::kReached;
     seen.push_back(describe(address, result));
     if (result.reach != Reach::kReached && worst == Reach::kReached) {
       worst = result.reach;

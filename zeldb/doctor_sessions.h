@@ -12,9 +12,9 @@ Finding checkPlugIn(DoctorPatient& patient);
 // A connection of the generation can be opened. Leaves its session.
 Finding checkLogin1(DoctorPatient& patient);
 Finding checkLogin2(DoctorPatient& patient);
-// A statement without parameters runs, in both generations.
+// A statement without parameters runs, in every session.
 Finding checkStatement(DoctorPatient& patient);
-// The driver describes parameters. Closes the session of the second generation when it does not.
+// The driver describes parameters. Needs both sessions, and closes the second when it does not.
 Finding checkParameters(DoctorPatient& patient);
 // A temporary table can be made in every session.
 Finding checkScratchTable(DoctorPatient& patient);

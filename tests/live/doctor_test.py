@@ -69,6 +69,11 @@ BROKEN = {
         "PostgreSQL", {"Port": PORTS["MariaDB"]}, None, "reach", 3,
         "what listens on 127.0.0.1:" + PORTS["MariaDB"] + " is no PostgreSQL",
         "correct Servername and Port of [PostgreSQL] in {ini}"),
+    "server hangs": (
+        "MariaDB", {"PORT": "{silent}"}, None, "reach", 3,
+        "127.0.0.1:{silent} accepts a connection, but does not greet as MariaDB does",
+        "look whether the server hangs, give it more --seconds, or correct SERVER and PORT of "
+        "[MariaDB] in {ini}"),
     "unknown host": (
         "MariaDB", {"SERVER": "nowhere.invalid"}, None, "reach", 3,
         'the name "nowhere.invalid" has no address',
@@ -83,7 +88,8 @@ BROKEN = {
         "correct User and password in zeldb.toml, or: alter user ... identified by '...'; "
         "NAME@localhost and NAME@'%' are two users, each with a password"),
     "database missing, PostgreSQL": (
-        "PostgreSQL", {"Database": "nodb"}, None, "login 1", 3, 'the server has no database "nodb"',
+        "PostgreSQL", {"Database": "nodb"}, None, "login 1", 3,
+        'database "nodb" is missing on the server',
         "correct Database of [PostgreSQL] in {ini}, or create it: create database ..."),
     "database missing, MariaDB": (
         "MariaDB", {"DATABASE": "nodb"}, None, "login 1", 3,
@@ -138,10 +144,12 @@ class Doctor(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
+        silent = self.enterContext(socket.create_server(("127.0.0.1", 0)))
         with socket.socket() as free:
             free.bind(("127.0.0.1", 0))
             self.names = {"folder": folder.name, "ini": f"{folder.name}/odbc.ini",
-                          "free": str(free.getsockname()[1])}
+                          "free": str(free.getsockname()[1]),
+                          "silent": str(silent.getsockname()[1])}
         (self.folder / "odbcinst.ini").write_text("[SQLite3]\nDriver=libsqlite3odbc.so\n")
 
     def write(self, source, keys, service):
@@ -167,8 +175,8 @@ class Doctor(unittest.TestCase):
         self.assertNotIn("apppw", done.stdout + done.stderr)
         return done
 
-    def findings(self, *arguments):
-        done = self.doctor("live", "--format", "json", *arguments)
+    def findings(self):
+        done = self.doctor("live", "--format", "json", "--seconds", "2")
         rows = [json.loads(line) for line in done.stdout.splitlines()]
         self.assertEqual([row["step"] for row in rows], STEPS, done.stderr)
         return done.returncode, {row["step"]: row for row in rows}
