@@ -178,6 +178,7 @@ std::vector<ServicesFile::Entry> ServicesFile::entries() const {
 
 std::vector<std::string> ServicesFile::knownKeys() {
   std::vector<std::string> names;
+  names.reserve(kKeys.size());
   for (const Key& key : kKeys) {
     names.emplace_back(key.name);
   }
