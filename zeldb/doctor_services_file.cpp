@@ -137,6 +137,7 @@ Finding checkService(DoctorPatient& patient) {
           {"the service's keys cannot be used as they are", remedyFor(patient, *entry)});
     }
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (const Entry& other : entries) {
       names.push_back(other.name);
     }

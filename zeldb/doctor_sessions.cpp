@@ -145,6 +145,7 @@ std::optional<std::string> lossIn(Session& session, const Sample& sample) {
 std::string lossText(const DoctorPatient& patient,
                      const std::map<std::string, std::vector<int>>& losses) {
   std::vector<std::string> texts;
+  texts.reserve(losses.size());
   for (const auto& [loss, generations] : losses) {
     texts.push_back(generations.size() == patient.sessions.size()
                         ? loss

@@ -96,7 +96,8 @@ std::vector<std::string> chosenServices(const std::string& given, const Connecto
 CLI::App* DoctorVerb::declare(CLI::App& app) {
   CLI::App* const verb =
       app.add_subcommand("doctor", "Examine services step by step, and say what to mend");
-  verb->add_option("SERVICE", service_, "Name in the services file; all when not given");
+  verb->add_option("SERVICE", service_, "Name in the services file; all when not given")
+      ->type_name("SERVICE");
   verb->add_option("--format", format_, "How the findings are written")
       ->check(CLI::IsMember({"text", "json"}))
       ->capture_default_str();
