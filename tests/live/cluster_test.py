@@ -96,6 +96,15 @@ class Kill(unittest.TestCase):
             print(f"node {node} killed: exit code {code}, {reported} reported, {rows} there")
             cluster("start", node)
 
+    def test_goes_on_over_another_node(self):
+        for _ in range(2):
+            self.query("Cluster", "delete from loading")
+            node, code, said = self.load_and_kill("--retries", "20", "--key", "id")
+            with self.subTest(node=node):
+                self.assertEqual((code, self.survivors(node)), (0, [ROWS, ROWS, 1, ROWS]), said)
+            print(f"node {node} killed: all rows are there once")
+            cluster("start", node)
+
 
 if __name__ == "__main__":
     sys.exit(unittest.main())
