@@ -20,10 +20,9 @@ std::string failureOf(const Remedy& row) {
 TEST(Remedy, EveryRowCanBeReached) {
   const RemedyNames names{"{dsn}", "{user}", "{database}", "{server}", "{section}", "{services}"};
   for (const Remedy& row : kRemedies) {
-    const auto advice = adviceFor(row.kind, failureOf(row), names);
-    ASSERT_TRUE(advice) << failureOf(row);
-    EXPECT_EQ(advice->cause, row.cause) << failureOf(row);
-    EXPECT_EQ(advice->remedy, row.remedy) << failureOf(row);
+    const Advice advice = adviceFor(row.kind, failureOf(row), names).value_or(Advice());
+    EXPECT_EQ(advice.cause, row.cause) << failureOf(row);
+    EXPECT_EQ(advice.remedy, row.remedy) << failureOf(row);
   }
 }
 
@@ -77,9 +76,8 @@ TEST(Remedy, IsFoundByStateCodeAndMessage) {
        "a key comes twice, a value is missing, or a check fails"},
   };
   for (const Case& row : cases) {
-    const auto advice = adviceFor(row.kind, row.failure);
-    ASSERT_TRUE(advice) << row.failure;
-    EXPECT_EQ(advice->cause, row.cause) << row.failure;
+    const Advice advice = adviceFor(row.kind, row.failure).value_or(Advice());
+    EXPECT_EQ(advice.cause, row.cause) << row.failure;
   }
   EXPECT_FALSE(adviceFor(DriverKind::kAny, "file.csv:2:1: \"x\" is no number"));
 }
