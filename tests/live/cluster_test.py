@@ -69,8 +69,8 @@ class Kill(unittest.TestCase):
             self.assertIsNone(load.poll(), "the load has ended too early")
             time.sleep(0.05)
         node = self.node_in_use()
-        cluster("kill", node)
         self.assertIsNone(load.poll(), "the load has ended before its node")
+        cluster("kill", node)
         out, err = load.communicate(timeout=120)
         return node, load.returncode, out + err
 
