@@ -6,6 +6,7 @@ is there twice. With retries and a key the load goes on over another node and lo
 Environment: that of `scripts/cluster run`, and the program in ZELDB.
 """
 
+import json
 import os
 import pathlib
 import re
@@ -104,6 +105,18 @@ class Kill(unittest.TestCase):
                 self.assertEqual((code, self.survivors(node)), (0, [ROWS, ROWS, 1, ROWS]), said)
             print(f"node {node} killed: all rows are there once")
             cluster("start", node)
+
+    def test_the_doctor_notices_reads_that_do_not_wait(self):
+        for left_out, unwell in (("INITSTMT", [("statement", "warning")]), ("nothing", [])):
+            lines = pathlib.Path(os.environ["ODBCINI"]).read_text().splitlines(keepends=True)
+            ini = self.folder / "odbc.ini"
+            ini.write_text("".join(line for line in lines if not line.startswith(left_out)))
+            done = subprocess.run(self.tool("doctor", "Node2", "--format", "json"), text=True,
+                                  cwd=self.folder, capture_output=True, check=False,
+                                  env=dict(os.environ, ODBCINI=str(ini)))
+            found = [(row["step"], row["status"])
+                     for row in map(json.loads, done.stdout.splitlines()) if row["status"] != "ok"]
+            self.assertEqual(found, unwell, done.stdout)
 
 
 if __name__ == "__main__":
