@@ -193,13 +193,14 @@ bool readsOldRows(const DoctorPatient& patient) {
     return false;
   }
   Session& session = *patient.sessions.front().session;
-  bool old = false;
   try {
-    old = firstValue(session, "select @@wsrep_on and not @@wsrep_sync_wait & 1") == "1";
-  } catch (const Failure&) {  // a server that knows no clusters
+    const auto old = firstValue(session, "select @@wsrep_on and not @@wsrep_sync_wait & 1");
+    session.rollback();
+    return old == "1";
+  } catch (const Failure&) {
+    session.rollback();
+    return false;  // a server that knows no clusters
   }
-  session.rollback();
-  return old;
 }
 
 Advice oldRowsAdvice(const DoctorPatient& patient) {
