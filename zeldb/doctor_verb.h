@@ -6,8 +6,6 @@
 
 namespace zeldb {
 
-class DoctorReport;
-
 // "zeldb doctor [SERVICE]": examines a service, or all of them, step by step, and says of each
 // failure what it comes of and what helps.
 class DoctorVerb : public Verb {
