@@ -9,7 +9,9 @@
 #include <stdexcept>
 #include <vector>
 
-#include "fetch.h"
+#include "rows/kinds.h"
+#include "rows/reader.h"
+#include "rows/writer.h"
 
 namespace {
 
@@ -36,8 +38,9 @@ std::string environment(const char* name) {
 }
 
 double seconds(bench::Reader& reader, int rows) {
+  static const bench::Query kQuery = {"select * from fetch_bench", std::string(bench::kRowKinds)};
   const auto start = std::chrono::steady_clock::now();
-  if (reader.read() != rows) throw std::runtime_error("rows are missing");
+  if (reader.read(kQuery) != rows) throw std::runtime_error("rows are missing");
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
@@ -68,7 +71,9 @@ void run(int rows, int rounds) {
   for (const char* variable : kSources) {
     const bench::DataSource source = {environment(variable), environment("ZEL_TEST_USER"),
                                       environment("ZEL_TEST_PASSWORD")};
-    bench::fillTable(source, rows);
+    bench::createTable(source, "fetch_bench");
+    bench::makeFirstGenerationBatchWriter(source)->write(
+        "insert into fetch_bench values (?,?,?,?,?,?,?)", rows);
     for (const Figure& figure : kFigures) compare(source, figure, rows, rounds);
   }
 }
