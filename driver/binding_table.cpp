@@ -142,18 +142,6 @@ constexpr auto kPlaces = familyPlaces(kRules);
 constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
                                        fixed<0>,   fixed<0>,   storeText<21>};
 
-struct TimeScale {
-  unsigned typeNumber;
-  long perSecond;         // units of the value in a second
-  unsigned nanosPerUnit;  // nanoseconds in a unit
-};
-
-constexpr TimeScale kTimeScales[] = {
-    {DataTypes::kDate, 1, 0},
-    {DataTypes::kTimestamp, 1000, 1'000'000},
-    {DataTypes::kBigDateTime, 1'000'000, 1000},
-};
-
 }  // namespace
 
 const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
@@ -173,14 +161,12 @@ void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned
 }
 
 bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& timestamp) {
-  const auto* scale =
-      std::ranges::find(kTimeScales, DataTypes::typeNumber(type), &TimeScale::typeNumber);
-  if (scale == std::end(kTimeScales)) {
+  const ODBC::DateUnit* unit = ODBC::dateUnitOf(type);
+  if (unit == nullptr) {
     std::cout << "Invalid data for converting as time\n";
     return false;
   }
-  if (ODBC::makeTimestamp(value.int64, scale->perSecond, scale->nanosPerUnit, timestamp))
-    return true;
+  if (ODBC::makeTimestamp(value.int64, *unit, timestamp)) return true;
   std::cout << "Error converting value as date\n";
   return false;
 }

@@ -25,10 +25,9 @@ std::int64_t loadInt64(const void* value) {
   return number;
 }
 
-template <long UnitsPerSecond, unsigned int NanosPerUnit>
-int convertDate(const void* value, unsigned int, ParameterScratch& scratch, BoundValue& bound,
+int convertDate(const void* value, unsigned int type, ParameterScratch& scratch, BoundValue& bound,
                 DBError* error) {
-  if (!makeTimestamp(loadInt64(value), UnitsPerSecond, NanosPerUnit, scratch.timestamp)) {
+  if (!makeTimestamp(loadInt64(value), *dateUnitOf(type), scratch.timestamp)) {
     return failAccess(error, "error converting date");
   }
   bound = {&scratch.timestamp, sizeof scratch.timestamp};
@@ -75,14 +74,10 @@ struct ConversionRow {
 
 // Every other family is bound where its value lies.
 constexpr ConversionRow kConversions[] = {
-    {TypeFamily::kDate, convertDate<1, 0>},
-    {TypeFamily::kTimestamp, convertDate<1000, 1'000'000>},
-    {TypeFamily::kBigDateTime, convertDate<1'000'000, 1000>},
-    {TypeFamily::kTime, convertTime},
-    {TypeFamily::kString, convertString},
-    {TypeFamily::kMoney, convertText},
-    {TypeFamily::kFixedDecimal, convertText},
-    {TypeFamily::kBinary, convertBinary},
+    {TypeFamily::kDate, convertDate},         {TypeFamily::kTimestamp, convertDate},
+    {TypeFamily::kBigDateTime, convertDate},  {TypeFamily::kTime, convertTime},
+    {TypeFamily::kString, convertString},     {TypeFamily::kMoney, convertText},
+    {TypeFamily::kFixedDecimal, convertText}, {TypeFamily::kBinary, convertBinary},
 };
 
 }  // namespace

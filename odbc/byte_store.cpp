@@ -143,7 +143,7 @@ unsigned int ByteStore::ExtendBy(unsigned int count, char fill) {
   return lengthen(std::uint64_t{length_} + count, false, &fill);
 }
 
-unsigned int ByteStore::ExtendUnset(unsigned int newLength) {
+unsigned int ByteStore::extendUnsetFar(unsigned int newLength) {
   return lengthen(newLength, false, nullptr);
 }
 

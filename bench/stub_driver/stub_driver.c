@@ -20,12 +20,12 @@ enum { MAX_COLUMNS = 128 };
 
 typedef struct {
   char kind;
-  const char *name;
+  const char* name;
   SQLSMALLINT sqlType;
   SQLULEN size;
   SQLSMALLINT digits;
   SQLLEN displaySize;
-  const char *text;
+  const char* text;
 } Kind;
 
 static const Kind KINDS[] = {
@@ -41,7 +41,7 @@ static const Kind KINDS[] = {
 };
 
 typedef struct {
-  const Kind *kind;
+  const Kind* kind;
   SQLLEN length; /* of the text in bytes */
   SQLLEN given;  /* how much of it the current row's reader has got; -1: all */
 } Column;
@@ -52,27 +52,27 @@ typedef struct {
   SQLSMALLINT columns;
   SQLSMALLINT parameters;
   SQLULEN batchRows;
-  SQLUSMALLINT *batchStatus;
-  SQLULEN *batchProcessed;
+  SQLUSMALLINT* batchStatus;
+  SQLULEN* batchProcessed;
   Column column[MAX_COLUMNS];
 } Statement;
 
-static const Kind *kindOf(char letter) {
+static const Kind* kindOf(char letter) {
   for (size_t i = 0; i < sizeof KINDS / sizeof *KINDS; ++i)
     if (KINDS[i].kind == letter) return &KINDS[i];
   return NULL;
 }
 
-static SQLSMALLINT readKinds(Statement *s, const char *text) {
+static SQLSMALLINT readKinds(Statement* s, const char* text) {
   SQLSMALLINT count = 0;
   while (*text != '\0' && count < MAX_COLUMNS) {
-    const Kind *kind = kindOf(*text++);
+    const Kind* kind = kindOf(*text++);
     if (kind == NULL) break;
-    Column *column = &s->column[count++];
+    Column* column = &s->column[count++];
     column->kind = kind;
     column->length = (SQLLEN)strlen(kind->text);
     if (kind->kind == 'x' || kind->kind == 'X') {
-      char *end = NULL;
+      char* end = NULL;
       column->length = strtol(text, &end, 10);
       text = end;
     }
@@ -80,10 +80,10 @@ static SQLSMALLINT readKinds(Statement *s, const char *text) {
   return count;
 }
 
-static void parse(Statement *s, const char *sql) {
+static void parse(Statement* s, const char* sql) {
   s->columns = s->parameters = 0;
   if (strncmp(sql, "fetch ", 6) == 0) {
-    char *end = NULL;
+    char* end = NULL;
     s->rows = strtol(sql + 6, &end, 10);
     s->columns = readKinds(s, end + (*end == ' '));
   } else if (strncmp(sql, "insert ", 7) == 0) {
@@ -91,11 +91,11 @@ static void parse(Statement *s, const char *sql) {
   }
 }
 
-EXPORT SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE *handle) {
+EXPORT SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) {
   (void)parent;
   *handle = calloc(1, type == SQL_HANDLE_STMT ? sizeof(Statement) : 16);
   if (*handle == NULL) return SQL_ERROR;
-  if (type == SQL_HANDLE_STMT) ((Statement *)*handle)->batchRows = 1;
+  if (type == SQL_HANDLE_STMT) ((Statement*)*handle)->batchRows = 1;
   return SQL_SUCCESS;
 }
 
@@ -111,17 +111,17 @@ EXPORT SQLRETURN SQL_API SQLSetEnvAttr(SQLHENV env, SQLINTEGER attribute, SQLPOI
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLConnect(SQLHDBC dbc, SQLCHAR *dsn, SQLSMALLINT dsnLength, SQLCHAR *user,
-                                    SQLSMALLINT userLength, SQLCHAR *password,
+EXPORT SQLRETURN SQL_API SQLConnect(SQLHDBC dbc, SQLCHAR* dsn, SQLSMALLINT dsnLength, SQLCHAR* user,
+                                    SQLSMALLINT userLength, SQLCHAR* password,
                                     SQLSMALLINT passwordLength) {
   (void)dbc, (void)dsn, (void)dsnLength, (void)user, (void)userLength, (void)password;
   (void)passwordLength;
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLDriverConnect(SQLHDBC dbc, SQLHWND window, SQLCHAR *in,
-                                          SQLSMALLINT inLength, SQLCHAR *out, SQLSMALLINT outBytes,
-                                          SQLSMALLINT *outLength, SQLUSMALLINT completion) {
+EXPORT SQLRETURN SQL_API SQLDriverConnect(SQLHDBC dbc, SQLHWND window, SQLCHAR* in,
+                                          SQLSMALLINT inLength, SQLCHAR* out, SQLSMALLINT outBytes,
+                                          SQLSMALLINT* outLength, SQLUSMALLINT completion) {
   (void)dbc, (void)window, (void)in, (void)inLength, (void)completion;
   if (out != NULL && outBytes > 0) *out = 0;
   if (outLength != NULL) *outLength = 0;
@@ -145,19 +145,19 @@ EXPORT SQLRETURN SQL_API SQLSetConnectAttr(SQLHDBC dbc, SQLINTEGER attribute, SQ
 }
 
 EXPORT SQLRETURN SQL_API SQLGetConnectAttr(SQLHDBC dbc, SQLINTEGER attribute, SQLPOINTER value,
-                                           SQLINTEGER bytes, SQLINTEGER *length) {
+                                           SQLINTEGER bytes, SQLINTEGER* length) {
   (void)dbc, (void)bytes;
-  *(SQLUINTEGER *)value = attribute == SQL_ATTR_AUTOCOMMIT ? SQL_AUTOCOMMIT_ON : 0;
+  *(SQLUINTEGER*)value = attribute == SQL_ATTR_AUTOCOMMIT ? SQL_AUTOCOMMIT_ON : 0;
   if (length != NULL) *length = sizeof(SQLUINTEGER);
   return SQL_SUCCESS;
 }
 
 /* Texts where a program asks for one; numbers are 0 but for those that programs insist on. */
 EXPORT SQLRETURN SQL_API SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT what, SQLPOINTER value,
-                                    SQLSMALLINT bytes, SQLSMALLINT *length) {
+                                    SQLSMALLINT bytes, SQLSMALLINT* length) {
   static const struct {
     SQLUSMALLINT what;
-    const char *text;
+    const char* text;
   } TEXTS[] = {{SQL_DBMS_NAME, "Stub"},          {SQL_DBMS_VER, "01.00.0000"},
                {SQL_DRIVER_NAME, "stub_driver"}, {SQL_DRIVER_ODBC_VER, "03.00"},
                {SQL_DRIVER_VER, "01.00.0000"},   {SQL_IDENTIFIER_QUOTE_CHAR, "\""},
@@ -172,10 +172,10 @@ EXPORT SQLRETURN SQL_API SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT what, SQLPOINTER v
     return SQL_SUCCESS;
   }
   if (value != NULL && what == SQL_GETDATA_EXTENSIONS) {
-    *(SQLUINTEGER *)value = SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
+    *(SQLUINTEGER*)value = SQL_GD_ANY_COLUMN | SQL_GD_ANY_ORDER;
   } else if (value != NULL) {
     memset(value, 0, 2);
-    if (what == SQL_TXN_CAPABLE) *(SQLUSMALLINT *)value = SQL_TC_ALL;
+    if (what == SQL_TXN_CAPABLE) *(SQLUSMALLINT*)value = SQL_TC_ALL;
   }
   if (length != NULL) *length = 2;
   return SQL_SUCCESS;
@@ -183,7 +183,7 @@ EXPORT SQLRETURN SQL_API SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT what, SQLPOINTER v
 
 EXPORT SQLRETURN SQL_API SQLSetStmtAttr(SQLHSTMT stmt, SQLINTEGER attribute, SQLPOINTER value,
                                         SQLINTEGER length) {
-  Statement *s = stmt;
+  Statement* s = stmt;
   (void)length;
   if (attribute == SQL_ATTR_PARAMSET_SIZE) s->batchRows = (SQLULEN)value;
   if (attribute == SQL_ATTR_PARAM_STATUS_PTR) s->batchStatus = value;
@@ -192,25 +192,25 @@ EXPORT SQLRETURN SQL_API SQLSetStmtAttr(SQLHSTMT stmt, SQLINTEGER attribute, SQL
 }
 
 EXPORT SQLRETURN SQL_API SQLGetStmtAttr(SQLHSTMT stmt, SQLINTEGER attribute, SQLPOINTER value,
-                                        SQLINTEGER bytes, SQLINTEGER *length) {
+                                        SQLINTEGER bytes, SQLINTEGER* length) {
   static char descriptors[4];
   (void)stmt, (void)bytes, (void)length;
   if (attribute >= SQL_ATTR_APP_ROW_DESC && attribute <= SQL_ATTR_IMP_PARAM_DESC) {
-    *(SQLPOINTER *)value = &descriptors[attribute - SQL_ATTR_APP_ROW_DESC];
+    *(SQLPOINTER*)value = &descriptors[attribute - SQL_ATTR_APP_ROW_DESC];
   } else {
-    *(SQLULEN *)value = 0;
+    *(SQLULEN*)value = 0;
   }
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLPrepare(SQLHSTMT stmt, SQLCHAR *sql, SQLINTEGER length) {
+EXPORT SQLRETURN SQL_API SQLPrepare(SQLHSTMT stmt, SQLCHAR* sql, SQLINTEGER length) {
   (void)length;
-  parse(stmt, (const char *)sql);
+  parse(stmt, (const char*)sql);
   return SQL_SUCCESS;
 }
 
 EXPORT SQLRETURN SQL_API SQLExecute(SQLHSTMT stmt) {
-  Statement *s = stmt;
+  Statement* s = stmt;
   s->row = 0;
   if (s->parameters > 0 && s->batchStatus != NULL)
     memset(s->batchStatus, SQL_PARAM_SUCCESS, s->batchRows * sizeof *s->batchStatus);
@@ -218,25 +218,25 @@ EXPORT SQLRETURN SQL_API SQLExecute(SQLHSTMT stmt) {
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLExecDirect(SQLHSTMT stmt, SQLCHAR *sql, SQLINTEGER length) {
+EXPORT SQLRETURN SQL_API SQLExecDirect(SQLHSTMT stmt, SQLCHAR* sql, SQLINTEGER length) {
   SQLPrepare(stmt, sql, length);
   return SQLExecute(stmt);
 }
 
-EXPORT SQLRETURN SQL_API SQLNumParams(SQLHSTMT stmt, SQLSMALLINT *count) {
-  *count = ((Statement *)stmt)->parameters;
+EXPORT SQLRETURN SQL_API SQLNumParams(SQLHSTMT stmt, SQLSMALLINT* count) {
+  *count = ((Statement*)stmt)->parameters;
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLNumResultCols(SQLHSTMT stmt, SQLSMALLINT *count) {
-  *count = ((Statement *)stmt)->columns;
+EXPORT SQLRETURN SQL_API SQLNumResultCols(SQLHSTMT stmt, SQLSMALLINT* count) {
+  *count = ((Statement*)stmt)->columns;
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLDescribeParam(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT *type,
-                                          SQLULEN *size, SQLSMALLINT *digits,
-                                          SQLSMALLINT *nullable) {
-  const Kind *kind = ((Statement *)stmt)->column[number - 1].kind;
+EXPORT SQLRETURN SQL_API SQLDescribeParam(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT* type,
+                                          SQLULEN* size, SQLSMALLINT* digits,
+                                          SQLSMALLINT* nullable) {
+  const Kind* kind = ((Statement*)stmt)->column[number - 1].kind;
   if (type != NULL) *type = kind->sqlType;
   if (size != NULL) *size = kind->size;
   if (digits != NULL) *digits = kind->digits;
@@ -247,17 +247,17 @@ EXPORT SQLRETURN SQL_API SQLDescribeParam(SQLHSTMT stmt, SQLUSMALLINT number, SQ
 EXPORT SQLRETURN SQL_API SQLBindParameter(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT direction,
                                           SQLSMALLINT cType, SQLSMALLINT sqlType, SQLULEN size,
                                           SQLSMALLINT digits, SQLPOINTER data, SQLLEN bytes,
-                                          SQLLEN *indicators) {
+                                          SQLLEN* indicators) {
   (void)stmt, (void)number, (void)direction, (void)cType, (void)sqlType, (void)size, (void)digits;
   (void)data, (void)bytes, (void)indicators;
   return SQL_SUCCESS;
 }
 
-EXPORT SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT stmt, SQLUSMALLINT number, SQLCHAR *name,
-                                        SQLSMALLINT bytes, SQLSMALLINT *length, SQLSMALLINT *type,
-                                        SQLULEN *size, SQLSMALLINT *digits, SQLSMALLINT *nullable) {
-  const Kind *kind = ((Statement *)stmt)->column[number - 1].kind;
-  if (name != NULL && bytes > 0) strncpy((char *)name, kind->name, (size_t)bytes);
+EXPORT SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT stmt, SQLUSMALLINT number, SQLCHAR* name,
+                                        SQLSMALLINT bytes, SQLSMALLINT* length, SQLSMALLINT* type,
+                                        SQLULEN* size, SQLSMALLINT* digits, SQLSMALLINT* nullable) {
+  const Kind* kind = ((Statement*)stmt)->column[number - 1].kind;
+  if (name != NULL && bytes > 0) strncpy((char*)name, kind->name, (size_t)bytes);
   if (length != NULL) *length = (SQLSMALLINT)strlen(kind->name);
   if (type != NULL) *type = kind->sqlType;
   if (size != NULL) *size = kind->size;
@@ -267,9 +267,9 @@ EXPORT SQLRETURN SQL_API SQLDescribeCol(SQLHSTMT stmt, SQLUSMALLINT number, SQLC
 }
 
 EXPORT SQLRETURN SQL_API SQLColAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQLUSMALLINT field,
-                                         SQLPOINTER text, SQLSMALLINT bytes, SQLSMALLINT *length,
-                                         SQLLEN *value) {
-  const Kind *kind = ((Statement *)stmt)->column[number - 1].kind;
+                                         SQLPOINTER text, SQLSMALLINT bytes, SQLSMALLINT* length,
+                                         SQLLEN* value) {
+  const Kind* kind = ((Statement*)stmt)->column[number - 1].kind;
   if (value != NULL) *value = 0;
   switch (field) {
     case SQL_DESC_NAME:
@@ -301,7 +301,7 @@ EXPORT SQLRETURN SQL_API SQLColAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQL
 }
 
 EXPORT SQLRETURN SQL_API SQLFetch(SQLHSTMT stmt) {
-  Statement *s = stmt;
+  Statement* s = stmt;
   if (s->row == s->rows) return SQL_NO_DATA;
   ++s->row;
   for (SQLSMALLINT i = 0; i < s->columns; ++i) s->column[i].given = 0;
@@ -309,7 +309,7 @@ EXPORT SQLRETURN SQL_API SQLFetch(SQLHSTMT stmt) {
 }
 
 /* The next piece of a text; the length told is that of what remained before it. */
-static SQLRETURN getText(Column *column, char *out, SQLLEN bytes, SQLLEN *indicator) {
+static SQLRETURN getText(Column* column, char* out, SQLLEN bytes, SQLLEN* indicator) {
   const char kind = column->kind->kind;
   if (column->given < 0) return SQL_NO_DATA;
   const SQLLEN left = column->length - column->given;
@@ -326,14 +326,14 @@ static SQLRETURN getText(Column *column, char *out, SQLLEN bytes, SQLLEN *indica
   return fits ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
-static SQLRETURN getNumber(void *out, const void *number, SQLLEN bytes, SQLLEN *indicator) {
+static SQLRETURN getNumber(void* out, const void* number, SQLLEN bytes, SQLLEN* indicator) {
   memcpy(out, number, (size_t)bytes);
   if (indicator != NULL) *indicator = bytes;
   return SQL_SUCCESS;
 }
 
 EXPORT SQLRETURN SQL_API SQLGetData(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT cType,
-                                    SQLPOINTER data, SQLLEN bytes, SQLLEN *indicator) {
+                                    SQLPOINTER data, SQLLEN bytes, SQLLEN* indicator) {
   static const SQLINTEGER INTEGER = 1234567;
   static const long BIG = 1234567890123L;
   static const double REAL = 1234.5;
@@ -355,7 +355,7 @@ EXPORT SQLRETURN SQL_API SQLGetData(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALL
     case SQL_C_TYPE_TIMESTAMP:
       return getNumber(data, &MOMENT, sizeof MOMENT, indicator);
     default:
-      return getText(&((Statement *)stmt)->column[number - 1], data, bytes, indicator);
+      return getText(&((Statement*)stmt)->column[number - 1], data, bytes, indicator);
   }
 }
 
@@ -364,8 +364,8 @@ EXPORT SQLRETURN SQL_API SQLMoreResults(SQLHSTMT stmt) {
   return SQL_NO_DATA;
 }
 
-EXPORT SQLRETURN SQL_API SQLRowCount(SQLHSTMT stmt, SQLLEN *count) {
-  Statement *s = stmt;
+EXPORT SQLRETURN SQL_API SQLRowCount(SQLHSTMT stmt, SQLLEN* count) {
+  Statement* s = stmt;
   *count = s->parameters > 0 ? (SQLLEN)s->batchRows : -1;
   return SQL_SUCCESS;
 }
@@ -381,8 +381,8 @@ EXPORT SQLRETURN SQL_API SQLCloseCursor(SQLHSTMT stmt) {
 }
 
 EXPORT SQLRETURN SQL_API SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record,
-                                       SQLCHAR *state, SQLINTEGER *native, SQLCHAR *text,
-                                       SQLSMALLINT bytes, SQLSMALLINT *length) {
+                                       SQLCHAR* state, SQLINTEGER* native, SQLCHAR* text,
+                                       SQLSMALLINT bytes, SQLSMALLINT* length) {
   (void)type, (void)handle, (void)record, (void)state, (void)native, (void)text, (void)bytes;
   (void)length;
   return SQL_NO_DATA;
@@ -390,7 +390,7 @@ EXPORT SQLRETURN SQL_API SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSM
 
 EXPORT SQLRETURN SQL_API SQLGetDiagField(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT record,
                                          SQLSMALLINT field, SQLPOINTER value, SQLSMALLINT bytes,
-                                         SQLSMALLINT *length) {
+                                         SQLSMALLINT* length) {
   (void)type, (void)handle, (void)record, (void)field, (void)value, (void)bytes, (void)length;
   return SQL_NO_DATA;
 }
