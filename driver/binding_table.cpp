@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "datatypes/data_types.h"
-#include "driver/family_places.h"
+#include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
 #include "odbc/byte_store.h"
 
@@ -136,7 +136,7 @@ constexpr FamilyRule kRules[] = {
      {SQL_C_BINARY, SQL_VARBINARY, byteLength, fixed<0>, fixed<0>, storeVariable}},
 };
 
-constexpr auto kPlaces = familyPlaces(kRules);
+constexpr auto kRuleOfType = ODBC::rowsByType(kRules);
 
 // 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
 constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
@@ -145,11 +145,10 @@ constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
 }  // namespace
 
 const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
-  const TypeFamily family = DataTypes::familyOf(type);
-  const bool bigInt = family == TypeFamily::kInt64 || family == TypeFamily::kInterval;
-  if (bigInt && bigIntAsChar) return &kBigIntAsChar;
-  const std::size_t at = kPlaces[static_cast<std::size_t>(family)];
-  return at == std::size(kRules) ? nullptr : &kRules[at].rule;
+  const FamilyRule* row = ODBC::rowOf(kRuleOfType, type);
+  if (row == nullptr) return nullptr;
+  const bool bigInt = row->family == TypeFamily::kInt64 || row->family == TypeFamily::kInterval;
+  return bigInt && bigIntAsChar ? &kBigIntAsChar : &row->rule;
 }
 
 void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned int type,

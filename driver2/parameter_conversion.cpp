@@ -1,12 +1,11 @@
 #include "driver2/parameter_conversion.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 
 #include "datatypes/data_types.h"
 #include "driver2/db_error2_odbc.h"
+#include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -80,13 +79,14 @@ constexpr ConversionRow kConversions[] = {
     {TypeFamily::kFixedDecimal, convertText}, {TypeFamily::kBinary, convertBinary},
 };
 
+constexpr auto kConversionOfType = rowsByType(kConversions);
+
 }  // namespace
 
 int convertParameter(const void* value, unsigned int type, ParameterScratch& scratch,
                      BoundValue& bound, DBError* error) {
-  const auto* row =
-      std::ranges::find(kConversions, DataTypes::familyOf(type), &ConversionRow::family);
-  if (row != std::end(kConversions)) return row->convert(value, type, scratch, bound, error);
+  const ConversionRow* row = rowOf(kConversionOfType, type);
+  if (row != nullptr) return row->convert(value, type, scratch, bound, error);
   bound = {odbcData(value), 0};
   return 0;
 }

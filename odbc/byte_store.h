@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace KORVEX::Zel::DB::ODBC {
 
@@ -35,7 +36,16 @@ class ByteStore {
   // Growing and shrinking; each returns the new length unless something else is said.
   // Makes room for `count` more bytes and the terminator. Not 0 on success; 0 when `count` is 0.
   unsigned int Grow(unsigned int count);
-  unsigned int Append(const unsigned char* bytes, unsigned int count);
+  unsigned int Append(const unsigned char* bytes, unsigned int count) {
+    // Within the room nothing moves, and no byte of the store's own is lost.
+    if (bytes == nullptr || count == 0 || std::uint64_t{length_} + count >= capacity_) {
+      return appendFar(bytes, count);
+    }
+    std::memmove(data_ + length_, bytes, count);
+    length_ += count;
+    terminate();
+    return length_;
+  }
   // Lengthens to `newLength` (or by `count`) bytes with `fill`; never shortens.
   unsigned int Extend(unsigned int newLength, char fill);
   unsigned int ExtendBy(unsigned int count, char fill);
@@ -103,6 +113,7 @@ class ByteStore {
                         bool mostSignificantFirst);
 
  private:
+  unsigned int appendFar(const unsigned char* bytes, unsigned int count);
   unsigned int extendUnsetFar(unsigned int newLength);
   bool reserve(std::uint64_t newCapacity);
   bool holds(const unsigned char* bytes) const;

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -20,9 +21,13 @@
 #include "datatypes/hex_codec.h"
 #include "datatypes/instant_text.h"
 #include "datatypes/number_text.h"
+#include "datatypes/picture_text.h"
 #include "datatypes/settings.h"
 #include "datatypes/short_number.h"
+#include "datatypes/time_format_parser_time_to_string.h"
+#include "datatypes/time_text.h"
 #include "datatypes/type_code.h"
+#include "datatypes/zone.h"
 #include "scoped_time_zone.h"
 
 namespace DataTypes {
@@ -389,6 +394,33 @@ TEST_F(FastPaths, DaysSince1970) {
       const long seconds = daysSince1970(year, month, day) * 86400L;
       ASSERT_EQ(seconds, tm2sec(&t)) << year << '-' << month << '-' << day;
       ASSERT_EQ(seconds, tm2secUtc(&t)) << year << '-' << month << '-' << day;
+    }
+  }
+}
+
+std::string printPlainly(long value, const std::string& picture, const Zone* zone) {
+  std::string out;
+  TimeFormatParser_TimeToString printer(value, zone, out);
+  if (!printer.prepare() || !printer.Parse(picture.data(), picture.size())) out.clear();
+  return out;
+}
+
+TEST_F(FastPaths, FixedPictures) {
+  constexpr const char* kTokens[] = {"YYYY", "MM",  "DD", "HH24", "MI", "SS", "FF", "FF1", "FF3",
+                                     "FF6",  "FF9", "-",  " ",    ":",  ".",  "/",  "T",   "MON",
+                                     "FM",   "FX",  "Q",  "YY",   "MS", "\"", "x"};
+  constexpr const char* kZones[] = {nullptr, "Europe/Paris", "America/St_Johns", "Asia/Kathmandu"};
+  constexpr long kEdges[] = {0, 999, -1, -86400000, 253402300799999, 253402300800000, LONG_MAX};
+  for (int round = 0; round < kRounds / 100; ++round) {
+    std::string picture = below(4) == 0 ? "YYYY-MM-DD HH24:MI:SS.FF3" : "";
+    for (int count = below(9); count > 0; --count) picture += kTokens[below(std::size(kTokens))];
+    const char* name = kZones[below(std::size(kZones))];
+    const Zone* zone = name == nullptr ? nullptr : findZone(name);
+    for (int i = 0; i < 8; ++i) {
+      const long value = i == 0 ? kEdges[below(std::size(kEdges))] : number() >> below(24);
+      std::string out;
+      TimestampToString(value, picture.c_str(), name, out);
+      ASSERT_EQ(out, printPlainly(value, picture, zone)) << value << ' ' << picture;
     }
   }
 }
