@@ -1,5 +1,6 @@
 #include "zeldb/verb.h"
 
+#include "zeldb/bench_verb.h"
 #include "zeldb/check_verb.h"
 #include "zeldb/complete_verb.h"
 #include "zeldb/copy_verb.h"
@@ -22,6 +23,7 @@ std::vector<std::unique_ptr<Verb>> makeVerbs() {
   verbs.push_back(std::make_unique<LoadVerb>());
   verbs.push_back(std::make_unique<DumpVerb>());
   verbs.push_back(std::make_unique<CopyVerb>());
+  verbs.push_back(std::make_unique<BenchVerb>());
   verbs.push_back(std::make_unique<CompleteVerb>());
   return verbs;
 }

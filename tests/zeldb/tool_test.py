@@ -486,5 +486,30 @@ class Copy(ToolCase):
                 self.assertEqual(self.other("select count(*) from t"), [(rows,)])
 
 
+class Bench(ToolCase):
+    def tables(self):
+        return self.sql("select name from sqlite_master where type = 'table'")
+
+    def test_figures_are_shown_and_nothing_remains(self):
+        done = self.run_tool("bench", "s", "--rows", "200", "--rounds", "1")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        for work in ("insert", "fetch"):
+            for generation in ("first", "second"):
+                line = rf"(?m)^{work}, {generation} generation +\d+ +\d+ +\d"
+                self.assertRegex(done.stdout, line)
+        self.assertEqual(self.tables(), [("t",)])
+
+    def test_interrupting_drops_the_table(self):
+        with subprocess.Popen([ZELDB, "bench", "s", "--rounds", "1000"], cwd=self.folder,
+                              env=self.environment(), text=True, stderr=subprocess.PIPE,
+                              stdout=subprocess.DEVNULL) as tool:
+            while self.tables() == [("t",)]:
+                time.sleep(0.01)
+            tool.send_signal(signal.SIGINT)
+            complaint = tool.stderr.read()
+        self.assertEqual((tool.returncode, complaint), (130, "zeldb: interrupted\n"))
+        self.assertEqual(self.tables(), [("t",)])
+
+
 if __name__ == "__main__":
     unittest.main()
