@@ -27,6 +27,8 @@ enum class Rows { kCells, kPacked };  // how the second generation hands rows ov
 
 // SQLGetData for each value in the C types that the first (1) or second (2) generation asks for.
 std::unique_ptr<Reader> makePlainReader(const DataSource& source, int generation);
+// A single column of long text, which may have any length.
+std::unique_ptr<Reader> makePlainLongReader(const DataSource& source);
 std::unique_ptr<Reader> makeFirstGenerationReader(const DataSource& source);
 std::unique_ptr<Reader> makeSecondGenerationReader(const DataSource& source, bool safe,
                                                    Rows rows = Rows::kCells);
