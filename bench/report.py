@@ -29,6 +29,8 @@ HOW = """
   at least 7 rounds of ratios within a round, least and most in brackets.
 - Instructions are counted by callgrind as the difference of two row counts, so that what is paid
   once does not count: `scripts/bench --instructions`.
+- `zeldb bench SERVICE` measures a database of one's own in the same way, in a scratch table that it
+  creates and drops.
 - Figures 7 to 11 compare functions of the value library with the usual way to do the same, medians
   of 41 rounds.
 """
@@ -63,7 +65,8 @@ class Report:
         text = HEAD + "| # | figure | ours | peer | floor | target | |\n|--|--|--|--|--|--|--|\n"
         for line in self.lines():
             text += "| " + " | ".join(line) + " |\n"
-        text += HOW + "\n## Growth\n\nThe cost of a unit over the size; a fault would bend upward.\n\n"
+        text += HOW + "\n## Growth\n\n"
+        text += "The cost of a unit over the size; a fault would bend upward.\n\n"
         for title, unit, lines in curves:
             name = title.replace(" ", "-").replace(",", "")
             draw(folder / f"{name}.svg", title, unit, lines)
@@ -88,7 +91,8 @@ def gnuplot(script):
 def draw(path, title, unit, lines):
     what = "size of a" if "KiB" in unit else "nanoseconds a"
     script = (f"set terminal svg size 640,360\nset output '{path}'\nset logscale xy\n"
-              f"set xlabel '{title}'\nset ylabel '{what} {unit}'\nset grid\nset key bottom left\n")
+              f"set xlabel '{title}'\nset ylabel '{what} {unit}'\nset grid\nset key bottom left\n"
+              "set yrange [*:*]\nset offsets graph 0, 0, 0.1, 0.1\n")
     for at, points in enumerate(lines.values()):
         rows = "\n".join(f"{size} {cost}" for size, cost in points)
         script += f"$data{at} << EOD\n{rows}\nEOD\n"
@@ -102,8 +106,9 @@ def draw_figures(path, lines, rows):
     rows = sorted(rows, key=lambda row: row[0])
     data = "\n".join(f'"{line[0]} {line[1]}" {row[2] / row[5]:.4f}'
                      for line, row in zip(lines, rows))
-    height = 60 + 18 * len(rows)
-    gnuplot(f"set terminal svg size 900,{height}\nset output '{path}'\nset yrange [{len(rows)}:-1]\n"
+    height = 80 + 18 * len(rows)
+    gnuplot(f"set terminal svg size 900,{height}\nset output '{path}'\n"
+            f"set yrange [{len(rows)}:-1]\n"
             "set xlabel 'ours as a part of the target'\nset lmargin 62\nunset key\nset grid x\n"
             "set arrow from 1,graph 0 to 1,graph 1 nohead lw 2\n"
             f"$data << EOD\n{data}\nEOD\n"

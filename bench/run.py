@@ -56,7 +56,7 @@ class Session:
     def __init__(self, binaries, quick):
         self.bin = pathlib.Path(binaries)
         self.quick = quick
-        self.rounds = 7 if quick else 11
+        self.rounds = 7 if quick else 25
         self.rows = 10000 if quick else 50000
         stub_ini = os.environ["BENCH_STUB_INI"]
         self.stub = {"ODBCINI": stub_ini, "ODBCSYSINI": str(pathlib.Path(stub_ini).parent)}
@@ -131,12 +131,11 @@ def database_figures(session, result):
         user, password = os.environ["ZEL_TEST_USER"], os.environ["ZEL_TEST_PASSWORD"]
         create = [str(session.bin / "bench_contender"), "create", dsn, user, password]
         subprocess.run(create, check=True)
-        writing = session.ratios(["plain-batch", "first-batch"], f"write {rows // 5} {INSERT}", dsn,
-                                 7)
+        writing = session.ratios(["plain-batch", "first-batch"], f"write {rows // 5} {INSERT}", dsn)
         result.add(4, f"batch insert, {dsn}", writing["first-batch"], 1.03, "")
         # Safe transfer: the plain one has one length for all parameters, which no such row suits.
         writing = session.ratios(["plain-rows", "second-rows-safe"],
-                                 f"write {rows // 5} {INSERT}", dsn, 7)
+                                 f"write {rows // 5} {INSERT}", dsn)
         result.add(5, f"row insert, safe, {dsn}", writing["second-rows-safe"], 1.05, "")
         subprocess.run(create, check=True)
         writer = session.contender("plain-batch", dsn)

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "datatypes/characters.h"
+#include "datatypes/digit_windows.h"
 #include "datatypes/digit_words.h"
 
 namespace DataTypes {
@@ -105,11 +106,6 @@ std::size_t placePoint(bool isNegative, const char* digits, std::size_t count, u
 void putForty(Uint128 magnitude, char* out) {
   constexpr std::uint64_t kTen8 = 100000000;
   constexpr std::uint64_t kTen16 = kTen8 * kTen8;
-  if (magnitude < kTen16) {  // most decimals: nothing to divide
-    std::memset(out, '0', kMaxDigits - 16);
-    putSixteen(out + kMaxDigits - 16, lowWord(magnitude));
-    return;
-  }
   // The reciprocal's quotient can be one too high.
   Uint128 upper = wideProduct(magnitude, kReciprocals[15]).high;
   if (upper * kTen16 > magnitude) --upper;
@@ -128,6 +124,32 @@ std::size_t firstDigit(const char* digits) {
   while (at < kMaxDigits && wordAt(digits + at) == kEightZeros) at += 8;
   if (at == kMaxDigits) return at;
   return at + static_cast<std::size_t>(std::countr_zero(wordAt(digits + at) ^ kEightZeros)) / 8;
+}
+
+// A magnitude below 10^16, which needs no division by more than 10^8. A function of its own, since
+// the long ones suffer from its being inlined.
+[[gnu::noinline]] std::size_t printShortDecimal(bool isNegative, std::uint64_t magnitude,
+                                                unsigned scale, char* out) {
+  constexpr std::size_t kDigits = 16;
+  char digits[kDigits * 2] = {};
+  putSixteen(digits, magnitude);
+  const std::uint64_t upper = wordAt(digits) ^ kEightZeros;
+  const std::uint64_t lower = wordAt(digits + 8) ^ kEightZeros;
+  const auto zeroBytes = [](std::uint64_t word) {
+    return static_cast<std::size_t>(std::countr_zero(word)) / 8;  // 8 when there is no other
+  };
+  const std::size_t first = upper != 0 ? zeroBytes(upper) : 8 + zeroBytes(lower);
+  const std::size_t count = kDigits - first;
+  if (count <= scale) return placePoint(isNegative, digits + first, count, scale, out);
+  char* at = out;
+  if (isNegative) *at++ = '-';
+  // Blocks of fixed size, as below.
+  std::memcpy(at, digits + first, kDigits);
+  at += count - scale;
+  if (scale == 0) return static_cast<std::size_t>(at - out);
+  *at++ = '.';
+  std::memcpy(at, digits + kDigits - scale, kDigits);
+  return static_cast<std::size_t>(at - out) + scale;
 }
 
 }  // namespace
@@ -150,6 +172,33 @@ bool parseDecimalPlain(const char* text, int scale, Uint128& coefficient) {
   return coefficient == 0 || signBit(coefficient) == isMinus;
 }
 
+// The words of a text of 17 to 38 characters, from its end: sixteen around the point, sixteen
+// before those, and what is left. At most 38 digits fit 128 bits, so that nothing can overflow.
+static bool parseLongDecimal(const char* text, std::size_t length, unsigned scale, Uint128& value) {
+  constexpr std::uint64_t kTen15 = 1'000'000'000'000'000;
+  const char* const end = text + length;
+  const __m128i last = windowAt(end - kWindow);
+  std::uint64_t tail = 0;
+  if (!readSixteen(scale == 0 ? last : withoutPoint(last, scale), tail)) return false;
+  std::size_t left = length - kWindow;
+  Uint128 upper = 0;
+  std::uint64_t group = 0;
+  if (left > kWindow) {
+    left -= kWindow;
+    std::uint64_t middle = 0;
+    if (!readSixteen(paddedWindow(text, left), group) ||
+        !readSixteen(windowAt(text + left), middle)) {
+      return false;
+    }
+    upper = Uint128{group} * (kTen15 * 10) + middle;
+  } else {
+    if (!readSixteen(paddedWindow(text, left), group)) return false;
+    upper = group;
+  }
+  value = upper * (scale == 0 ? kTen15 * 10 : kTen15) + tail;
+  return true;
+}
+
 // An optional sign, digits and a point where the scale wants it, to the end of the text. With at
 // most 38 digits nothing can overflow, so that the order of the steps does not matter; everything
 // else, short texts too, is for the plain form.
@@ -165,8 +214,11 @@ bool parseDecimal(const char* text, int scale, Uint128& coefficient) {
     return parseDecimalPlain(text, scale, coefficient);
   const std::size_t integerDigits = length - behindInteger;
   const bool hasPoint = decimals == 0 || begin[integerDigits] == '.' || begin[integerDigits] == ',';
+  const bool isLong = length > kWindow && decimals < kWindow;
   Uint128 value = 0;
-  if (!hasPoint || !readDigits(begin, end, static_cast<unsigned>(decimals), value))
+  if (!hasPoint ||
+      !(isLong ? parseLongDecimal(begin, length, static_cast<unsigned>(decimals), value)
+               : readDigits(begin, end, static_cast<unsigned>(decimals), value)))
     return parseDecimalPlain(text, scale, coefficient);
   coefficient = *text == '-' ? -value : value;
   return true;
@@ -186,8 +238,13 @@ std::size_t printDecimalPlain(Uint128 coefficient, unsigned scale, char* out) {
 // With a digit before the point, both parts are moved in blocks of fixed size; what they bring too
 // much is overwritten or lies behind the text.
 std::size_t printDecimal(Uint128 coefficient, unsigned scale, char* out) {
+  constexpr std::uint64_t kTen16 = 10'000'000'000'000'000;
+  const Uint128 magnitude = magnitudeOf(coefficient);
+  if (magnitude < kTen16) {
+    return printShortDecimal(signBit(coefficient), lowWord(magnitude), scale, out);
+  }
   char digits[kMaxDigits * 2] = {};
-  putForty(magnitudeOf(coefficient), digits);
+  putForty(magnitude, digits);
   const std::size_t first = firstDigit(digits);
   const std::size_t count = kMaxDigits - first;
   if (count <= scale) return placePoint(signBit(coefficient), digits + first, count, scale, out);

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "datatypes/characters.h"
+#include "datatypes/digit_windows.h"
 #include "datatypes/digit_words.h"
 #include "datatypes/digits.h"
 #include "datatypes/int128.h"
@@ -182,7 +183,10 @@ NumberStatus parseMoney(const char* text, unsigned decimals, long factor, long& 
     return parseMoneyPlain(text, decimals, factor, value);
   const std::size_t integerDigits = length - decimals - 1;
   std::uint64_t amount = 0;
-  if (begin[integerDigits] != '.' || !readDigits(begin, end, decimals, amount))
+  const bool fitsWindow = length <= kWindow;
+  if (begin[integerDigits] != '.' ||
+      !(fitsWindow ? readSixteen(withoutPoint(paddedWindow(begin, length), decimals), amount)
+                   : readDigits(begin, end, decimals, amount)))
     return parseMoneyPlain(text, decimals, factor, value);
   const auto magnitude = static_cast<long>(amount);
   value = *text == '-' ? -magnitude : magnitude;

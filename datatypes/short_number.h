@@ -12,7 +12,7 @@
 namespace DataTypes {
 
 // How many bytes must be readable from the start of a text, whatever stands behind its end.
-inline constexpr std::size_t kShortNumberRoom = 17;
+inline constexpr std::size_t kShortNumberRoom = 9;
 
 // Reads an optional "-" and 1 to 16 digits as strtoll does; false, with `value` left alone, for
 // every other text.

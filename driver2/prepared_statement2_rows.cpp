@@ -257,12 +257,19 @@ int PreparedStatement2Odbc::nextRow(std::vector<DataValue>& row, DBError* error)
     const bool clearsFlags = policy_.nullFlagsCount;
     for (std::size_t i = 0; i < plans_.size(); ++i) {
       const ColumnPlan& plan = plans_[i];
-      if (plan.routine == nullptr) continue;
       // Routines write at the start of the cell, where the payload is.
       DataValue& cell = row[i];
       int length = plan.bufferBytes;
-      const int result = plan.isBinary ? fetchBytesIntoCell(i, cell, length, error)
-                                       : fetchValue(i, plan, &cell, length, error);
+      int result = 0;
+      if (plan.inPlaceAs != 0) {
+        result = getFixed(i, plan.inPlaceAs, &cell, length, error);
+      } else if (plan.isBinary) {
+        result = fetchBytesIntoCell(i, cell, length, error);
+      } else if (plan.routine != nullptr) {
+        result = (this->*plan.routine)(i, &cell, length, error);
+      } else {
+        continue;
+      }
       if (result != 0) return -1;
       if (length == SQL_NULL_DATA) {
         cell.setNull();

@@ -1,0 +1,77 @@
+#pragma once
+
+// Sixteen characters of a number's text at a time, in a vector register.
+
+#include <emmintrin.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "datatypes/digit_words.h"
+
+namespace DataTypes {
+
+inline constexpr std::size_t kWindow = 16;  // characters
+
+namespace detail {
+
+// Which characters of a window stand behind the point, by scale.
+inline constexpr auto kBehindPoint = [] {
+  std::array<std::array<std::uint8_t, kWindow>, kWindow> masks{};
+  for (std::size_t scale = 0; scale < kWindow; ++scale) {
+    for (std::size_t i = kWindow - scale; i < kWindow; ++i) masks[scale][i] = 0xFF;
+  }
+  return masks;
+}();
+
+}  // namespace detail
+
+// Sixteen bytes from any address.
+inline __m128i windowAt(const void* from) {
+  return _mm_loadu_si128(static_cast<const __m128i*>(from));
+}
+
+// The first `count` characters of a text, 1 to 8, behind "0"s. Eight bytes are read; those behind
+// the count are shifted out.
+inline std::uint64_t leadingWord(const char* text, std::size_t count) {
+  const std::uint64_t zeros = (kEightZeros >> 8) >> (count * 8 - 8);
+  return wordAt(text) << (8 - count) * 8 | zeros;
+}
+
+// The first `length` characters of a text, 1 to 16, behind "0"s; eight bytes must be readable. Put
+// together in registers: what has just been written in parts is slow to be read as a whole.
+inline __m128i paddedWindow(const char* text, std::size_t length) {
+  const bool isLong = length > 8;
+  const std::uint64_t front = isLong ? leadingWord(text, length - 8) : kEightZeros;
+  const std::uint64_t back = isLong ? wordAt(text + length - 8) : leadingWord(text, length);
+  return _mm_set_epi64x(static_cast<long long>(back), static_cast<long long>(front));
+}
+
+// Closes the gap of a point before the last `scale` characters, 0 to 15: what stands before it
+// moves on by one character, over it. The point itself is not looked at.
+inline __m128i withoutPoint(__m128i window, unsigned scale) {
+  const __m128i behind = windowAt(detail::kBehindPoint[scale].data());
+  const __m128i moved = _mm_or_si128(_mm_slli_si128(window, 1), _mm_cvtsi32_si128('0'));
+  return _mm_or_si128(_mm_and_si128(behind, window), _mm_andnot_si128(behind, moved));
+}
+
+// Reads sixteen characters as digits; false when one of them is none. Each step joins neighbours:
+// digits to pairs, pairs to fours, fours to eights.
+inline bool readSixteen(__m128i characters, std::uint64_t& value) {
+  constexpr std::uint64_t kEightDigits = 100'000'000;
+  const __m128i digits = _mm_sub_epi8(characters, _mm_set1_epi8('0'));
+  const __m128i tooLarge = _mm_subs_epu8(digits, _mm_set1_epi8(9));
+  if (_mm_movemask_epi8(_mm_cmpeq_epi8(tooLarge, _mm_setzero_si128())) != 0xFFFF) return false;
+  const __m128i tens = _mm_and_si128(digits, _mm_set1_epi16(0x00FF));
+  const __m128i pairs =
+      _mm_add_epi16(_mm_mullo_epi16(tens, _mm_set1_epi16(10)), _mm_srli_epi16(digits, 8));
+  const __m128i fours = _mm_madd_epi16(pairs, _mm_set1_epi32(1 << 16 | 100));
+  const __m128i packed = _mm_packs_epi32(fours, fours);
+  const __m128i eights = _mm_madd_epi16(packed, _mm_set1_epi32(1 << 16 | 10000));
+  const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
+  value = (both & 0xFFFFFFFF) * kEightDigits + (both >> 32);
+  return true;
+}
+
+}  // namespace DataTypes
