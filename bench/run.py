@@ -117,7 +117,7 @@ def stub_figures(session, result):
         generation = ("second", "first")[figure - 1]
         floor = counts[f"plain-as-{generation}-{name}"]
         ours = counts[f"{generation}-generation-{name}"]
-        result.add(figure, f"instructions of a {name} column", ours, floor + extra, "",
+        result.add(figure, f"instructions a value, {name} columns", ours, floor + extra, "",
                    floor=floor)
 
 

@@ -89,6 +89,26 @@ class Opening : public Contender {
   bench::SecondGenerationSession session_;
 };
 
+// The same without the plug-in: the driver manager looks each handle up among all that are open.
+class PlainOpening : public Contender {
+ public:
+  explicit PlainOpening(const DataSource& source) : session_(source) {}
+  void run(const std::string&, std::istringstream& line) override {
+    int count = 0;
+    line >> count;
+    const std::string sql = restOf(line);
+    std::vector<SQLHSTMT> open;
+    for (int i = 0; i < count; ++i) {
+      open.push_back(session_.prepare(sql));
+      bench::check(SQLExecute(open.back()), SQL_HANDLE_STMT, open.back(), "SQLExecute");
+    }
+    for (SQLHSTMT stmt : open) SQLFreeHandle(SQL_HANDLE_STMT, stmt);
+  }
+
+ private:
+  bench::PlainSession session_;
+};
+
 struct Row {
   const char* name;
   std::function<std::unique_ptr<Contender>(const DataSource&)> make;
@@ -126,6 +146,7 @@ const Row kRows[] = {
      writing([](auto& s) { return bench::makeSecondGenerationRowWriter(s, false); })},
     {"second-rows-safe",
      writing([](auto& s) { return bench::makeSecondGenerationRowWriter(s, true); })},
+    {"plain-open", [](const DataSource& s) { return std::make_unique<PlainOpening>(s); }},
     {"open", [](const DataSource& s) { return std::make_unique<Opening>(s); }},
 };
 
