@@ -16,9 +16,7 @@ namespace {
 namespace db = KORVEX::Zel::DB;
 
 [[noreturn]] void fail(const DriverLog& log, const std::string& what) {
-  const Diagnostic* const diagnostic = log.diagnostic();
-  throw Failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()),
-                diagnostic != nullptr ? diagnostic->state : std::string());
+  throw log.failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()));
 }
 
 void check(db::ResultCode result, const DriverLog& log, const char* what) {
@@ -163,8 +161,8 @@ FirstGenerationSession::FirstGenerationSession(db::Driver& driver, const Service
   connection_->setServiceName(service.name);
   if (connection_->open() != db::kSuccess) {
     const bool timeout = log_.exitCode() == ExitCode::kTimeout;
-    throw Failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
-                  fmt::format("service \"{}\": {}", service.name, log_.explanation()));
+    throw log_.failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
+                       fmt::format("service \"{}\": {}", service.name, log_.explanation()));
   }
 }
 
@@ -251,8 +249,9 @@ void FirstGenerationSession::commit() {
     return;
   }
   if (log_.exitCode() != ExitCode::kSql) {
-    throw Failure(ExitCode::kInDoubt, fmt::format("in doubt, the answer to the commit was lost: {}",
-                                                  log_.explanation()));
+    throw log_.failure(
+        ExitCode::kInDoubt,
+        fmt::format("in doubt, the answer to the commit was lost: {}", log_.explanation()));
   }
   fail(log_, "commit");
 }

@@ -136,6 +136,7 @@ class SecondGenerationInserts : public BatchWriter {
 
   void add(const Parameters& row) override { statement_.execute(row); }
   void send() override {}
+  bool sendsEachRow() const override { return true; }
 
  private:
   Statement statement_;
@@ -150,7 +151,8 @@ SecondGenerationSession::SecondGenerationSession(db::Driver& driver, const Servi
   if (!connection_ || connection_->connect(error_.fresh()) != 0) {
     const bool timeout = error_.exitCode() == ExitCode::kTimeout;
     throw Failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
-                  fmt::format("service \"{}\": {}", service.name, error_.explanation()));
+                  fmt::format("service \"{}\": {}", service.name, error_.explanation()),
+                  error_.diagnostic().state, error_.diagnostic().native);
   }
 }
 
@@ -186,8 +188,10 @@ void SecondGenerationSession::commit() {
     return;
   }
   if (error_.exitCode() != ExitCode::kSql) {
-    throw Failure(ExitCode::kInDoubt, fmt::format("in doubt, the answer to the commit was lost: {}",
-                                                  error_.explanation()));
+    throw Failure(
+        ExitCode::kInDoubt,
+        fmt::format("in doubt, the answer to the commit was lost: {}", error_.explanation()),
+        error_.diagnostic().state, error_.diagnostic().native);
   }
   error_.check(-1, "commit");
 }
