@@ -74,9 +74,8 @@ std::map<std::string, ValueLimits> standardLimits(FirstGenerationSession& sessio
   const bool postgresql = product.product == Product::kPostgresql;
   const TableName name = catalogueName(table, postgresql);
   Parameters parameters = {textParameter(name.table)};
-  std::string schema = postgresql ? "current_schema()" : "database()";
+  const std::string here = postgresql ? "current_schema()" : "database()";
   if (!name.schema.empty()) {
-    schema = "?";
     parameters.push_back(textParameter(name.schema));
   }
   std::map<std::string, ValueLimits> limits;
@@ -85,7 +84,7 @@ std::map<std::string, ValueLimits> standardLimits(FirstGenerationSession& sessio
                 fmt::format("select column_name, data_type, datetime_precision, numeric_scale, "
                             "character_maximum_length from information_schema.columns "
                             "where table_name = ? and table_schema = {}",
-                            schema),
+                            name.schema.empty() ? here : "?"),
                 parameters)) {
     ValueLimits& limit = limits.emplace(column[0], limitsOf(product)).first->second;
     limit.daysOnly = column[1] == "date";

@@ -2,6 +2,7 @@
 
 #include <csv.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -132,7 +133,7 @@ bool CsvReader::next(CsvRecord& record) {
 
 void CsvReader::seek(std::uint64_t byte, std::uint64_t line) {
   if (byte == 0 || byte > sizeBytes_ ||
-      fseeko(file_.get(), static_cast<off_t>(byte - 1), SEEK_SET) != 0) {
+      lseek(fileno(file_.get()), static_cast<off_t>(byte - 1), SEEK_SET) < 0) {
     throw Failure(ExitCode::kFile,
                   fmt::format("{}: there is no byte {} to go on at", path_.string(), byte));
   }
@@ -142,7 +143,8 @@ void CsvReader::seek(std::uint64_t byte, std::uint64_t line) {
   parser->line = line;
   parser->byte = parser->recordByte = bytesRead_ = byte;
   // A record may have ended between the two characters of a line's end.
-  parser->lastLineEnd = std::fgetc(file_.get());
+  char before = 0;
+  parser->lastLineEnd = read(fileno(file_.get()), &before, 1) == 1 ? before : 0;
   parser_ = std::move(parser);
   bomChecked_ = true;
   atEnd_ = false;
@@ -150,11 +152,17 @@ void CsvReader::seek(std::uint64_t byte, std::uint64_t line) {
 
 void CsvReader::readChunk() {
   Parser& parser = *parser_;
-  const std::size_t length = std::fread(buffer_.data(), 1, buffer_.size(), file_.get());
-  if (std::ferror(file_.get()) != 0) {
+  // As much as there is: a pipe's writer may pause.
+  const ssize_t got = read(fileno(file_.get()), buffer_.data(), buffer_.size());
+  if (got < 0) {
+    const int cause = errno;
     Interrupt::check();
-    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(errno)));
+    if (cause == EINTR) {
+      return;
+    }
+    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(cause)));
   }
+  const auto length = static_cast<std::size_t>(got);
   std::string_view chunk(buffer_.data(), length);
   skipByteOrderMark(chunk);
   bytesRead_ += length;

@@ -1,5 +1,7 @@
 #include "zeldb/interrupt.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <csignal>
 
@@ -7,6 +9,11 @@
 
 namespace zeldb {
 namespace {
+
+// Ends a call of the system that waits.
+constexpr int kWakeSignal = SIGALRM;
+
+pthread_t watched;  // the thread that works
 
 // An exit code; 0 as long as nothing is raised. The first one holds.
 std::atomic<int> raised = 0;
@@ -24,15 +31,20 @@ void onSignal(int) {
 }  // namespace
 
 void Interrupt::watch() {
+  watched = pthread_self();
   struct sigaction action = {};
   action.sa_handler = onSignal;
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
+  struct sigaction wake = {};
+  wake.sa_handler = [](int) {};
+  sigaction(kWakeSignal, &wake, nullptr);
 }
 
 void Interrupt::request(ExitCode code) {
   raise(code);
+  pthread_kill(watched, kWakeSignal);
 }
 
 void Interrupt::check() {

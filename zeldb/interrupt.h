@@ -11,6 +11,7 @@ namespace zeldb {
 // at once.
 class Interrupt {
  public:
+  // By the thread that works.
   static void watch();
   // Raises the flag for another reason, from any thread.
   static void request(ExitCode code);
