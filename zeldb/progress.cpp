@@ -13,6 +13,8 @@ namespace {
 
 constexpr auto kInterval = std::chrono::milliseconds(100);
 constexpr std::size_t kUsualColumns = 80;
+// For the terminal's echo of Ctrl-C, and the last one: behind it may come another line.
+constexpr std::size_t kFreeColumns = 3;
 constexpr std::size_t kLongestBar = 40;
 constexpr std::size_t kShortestBar = 8;
 
@@ -56,8 +58,8 @@ void Progress::update(std::uint64_t rows, std::uint64_t bytes, std::uint64_t tot
   const double done = totalBytes > 0 ? static_cast<double>(std::min(bytes, totalBytes)) /
                                            static_cast<double>(totalBytes)
                                      : -1;
-  // The last column stays free: a terminal may go to the next line behind it.
-  std::fprintf(stderr, "\r%s\x1b[K", line(done, rows, seconds, terminalColumns() - 1).c_str());
+  const std::size_t columns = std::max(terminalColumns(), kFreeColumns) - kFreeColumns;
+  std::fprintf(stderr, "\r%s\x1b[K", line(done, rows, seconds, columns).c_str());
   drawn = true;
 }
 

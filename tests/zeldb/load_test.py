@@ -258,7 +258,8 @@ class Resuming(ToolCase):
                     done = self.run_tool(*load, fault=f"SQLEndTran {made}3 08S01")
                     self.expect(done, 7, r"f.csv:4:1: rows of lines 4 to 5: in doubt, .*; --key .*")
                     done = self.run_tool(*load)
-                    self.expect(done, 7, r"f.csv:4:1: rows of lines 4 to 5: in doubt, the earlier .*")
+                    self.expect(done, 7,
+                                r"f.csv:4:1: rows of lines 4 to 5: in doubt, the earlier .*")
                     done = self.run_tool(*load, *way)
                     self.assertEqual((done.returncode, done.stderr), (0, ""))
                     self.assertEqual(self.count(), (5, 5))

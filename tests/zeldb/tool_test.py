@@ -340,7 +340,8 @@ class Load(ToolCase):
         for generation in "12":
             done = self.load(HEAD + rows, "--dry-run", "--batch", "1", "--generation", generation)
             self.expect_rows(done, "2 rows would be loaded into t")
-        self.expect(self.load(HEAD + rows + "1,,,,,\n", "--dry-run", "--batch", "1"), 4, ".*UNIQUE.*; 0 rows .*")
+        self.expect(self.load(HEAD + rows + "1,,,,,\n", "--dry-run", "--batch", "1"), 4,
+                    ".*UNIQUE.*; 0 rows .*")
         self.assertEqual(self.sql("select count(*) from t"), [(0,)])
 
     def test_other_delimiters_and_nulls(self):
