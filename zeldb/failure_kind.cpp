@@ -1,5 +1,7 @@
 #include "zeldb/failure_kind.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -68,6 +70,15 @@ FailureKind kindOf(const Failure& failure) {
     return rule->kind;
   }
   return code == ExitCode::kSql ? FailureKind::kRow : FailureKind::kOther;
+}
+
+Failure commitFailure(const Failure& failure) {
+  if (failure.exitCode() == ExitCode::kSql && kindOf(failure) != FailureKind::kLostLink) {
+    return failure.retold(fmt::format("commit: {}", failure.what()));
+  }
+  return {ExitCode::kInDoubt,
+          fmt::format("in doubt, the answer to the commit was lost: {}", failure.what()),
+          failure.state(), failure.native()};
 }
 
 }  // namespace zeldb

@@ -15,4 +15,7 @@ enum class FailureKind {
 
 FailureKind kindOf(const Failure& failure);
 
+// The failure of a commit: in doubt, unless the database has refused it.
+Failure commitFailure(const Failure& failure);
+
 }  // namespace zeldb

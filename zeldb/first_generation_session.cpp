@@ -9,6 +9,7 @@
 #include "zeldb/column_type.h"
 #include "zeldb/even_batch_writer.h"
 #include "zeldb/failure.h"
+#include "zeldb/failure_kind.h"
 
 namespace zeldb {
 namespace {
@@ -245,15 +246,9 @@ std::unique_ptr<BatchWriter> FirstGenerationSession::insert(const std::string& s
 
 void FirstGenerationSession::commit() {
   log_.clear();
-  if (connection_->commit() == db::kSuccess) {
-    return;
+  if (connection_->commit() != db::kSuccess) {
+    throw commitFailure(log_.failure(log_.exitCode(), log_.explanation()));
   }
-  if (log_.exitCode() != ExitCode::kSql) {
-    throw log_.failure(
-        ExitCode::kInDoubt,
-        fmt::format("in doubt, the answer to the commit was lost: {}", log_.explanation()));
-  }
-  fail(log_, "commit");
 }
 
 void FirstGenerationSession::rollback() noexcept {

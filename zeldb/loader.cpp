@@ -31,7 +31,7 @@ Loader::Loader(RecordSource& source, const LoadTarget& target, const LoadOptions
 void Loader::openRejects(const Ledger* ledger) {
   const LoadPosition reached = ledger != nullptr ? ledger->state().reached : LoadPosition();
   if (options_.rejects.empty()) {
-    if (reached.rejectsBytes > 0) {
+    if (reached.rejected > 0) {
       throw Failure(ExitCode::kUsage,
                     "the load to be resumed named bad rows; --rejects is missing");
     }

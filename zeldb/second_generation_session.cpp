@@ -10,6 +10,7 @@
 #include "standin/property_data_service.h"
 #include "zeldb/column_type.h"
 #include "zeldb/failure.h"
+#include "zeldb/failure_kind.h"
 
 namespace zeldb {
 namespace {
@@ -184,16 +185,10 @@ std::unique_ptr<BatchWriter> SecondGenerationSession::insert(const std::string& 
 }
 
 void SecondGenerationSession::commit() {
-  if (connection_->commit(error_.fresh()) == 0) {
-    return;
+  if (connection_->commit(error_.fresh()) != 0) {
+    const Diagnostic why = error_.diagnostic();
+    throw commitFailure(Failure(error_.exitCode(), error_.explanation(), why.state, why.native));
   }
-  if (error_.exitCode() != ExitCode::kSql) {
-    throw Failure(
-        ExitCode::kInDoubt,
-        fmt::format("in doubt, the answer to the commit was lost: {}", error_.explanation()),
-        error_.diagnostic().state, error_.diagnostic().native);
-  }
-  error_.check(-1, "commit");
 }
 
 void SecondGenerationSession::rollback() noexcept {

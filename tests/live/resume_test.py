@@ -107,10 +107,10 @@ class Case:
         want = f"zeldb: {len(BAD)} rows rejected, named in r.csv; {ROWS - len(BAD)} rows are committed"
         if (done.returncode, lines[-1]) != (1, want):
             sys.exit(f"exit code {done.returncode}: {done.stderr}")
-        count = self.zeldb("dump", "live", "select count(*), count(distinct id), sum(n) "
+        count = self.zeldb("dump", "live", "select count(*), count(distinct id), sum(n % 1000) "
                            "from resuming").splitlines()[-1]
         numbers = [n for n in range(1, ROWS + 1) if n + 1 not in BAD]
-        if count != f"{len(numbers)},{len(numbers)},{2 * sum(numbers)}":
+        if count != f"{len(numbers)},{len(numbers)},{sum(2 * n % 1000 for n in numbers)}":
             sys.exit(f"other rows than the good ones are there: {count}")
         with open(self.folder / "r.csv", newline="", encoding="utf-8") as file:
             named = [int(row["line"]) for row in csv.DictReader(file)]

@@ -280,6 +280,7 @@ class Load(ToolCase):
         text = HEAD + "".join(f"{n},,,,,\n" for n in range(1, 6))
         cases = [  # fault, exit code, complaint, rows in the table
             ("SQLEndTran 3 08S01", 7, r"in doubt, .*08S01.*", 4),
+            ("SQLEndTran 3 57P01", 7, r"in doubt, .*57P01.*", 4),
             ("SQLEndTran -3 40001", 4, r"commit: .*40001.*", 2),
             ("SQLExecute -5 08S01", 3, r".*08S01.*", 2),
             ("SQLExecute -5 HYT00", 5, r".*HYT00.*", 2),
@@ -466,6 +467,21 @@ class Copy(ToolCase):
                     done = self.run_tool("copy", "s.t", "o.t", "--generation", generation, *options)
                     self.expect_rows(done, "3 rows copied to o.t")
                     self.assertEqual(self.other("select * from t"), self.sql("select * from t"))
+
+    def test_failures_of_either_side(self):
+        self.sql("with recursive c(n) as (select 1 union all select n + 1 from c where n < 600) "
+                 "insert into t (id) select n from c")
+        copy = ["copy", "s.t", "o.t", "--batch", "300"]
+        done = self.run_tool(*copy, fault="SQLFetch -400 08S01")
+        self.expect(done, 3, r"reading rows: injected \(SQLSTATE 08S01, .*\); 300 rows are committed")
+        self.other("delete from t")
+        done = self.run_tool(*copy, "--retries", "1", fault="SQLExecute -6 40001")
+        self.assertEqual((done.returncode, done.stderr.count("trying again")), (0, 1), done.stderr)
+        done = self.run_tool(*copy, "--rejects", "r.csv", "--metrics", "m.prom")
+        self.expect(done, 1, r"600 rows rejected, named in r.csv; 0 rows are committed")
+        self.assertIn('rejected_total{verb="copy",service="o",table="t"} 600',
+                      (self.folder / "m.prom").read_text())
+        self.assertEqual(self.other("select count(*) from t"), [(600,)])
 
     def test_what_does_not_fit_is_refused(self):
         self.sql("create table a (id bigint, name varchar(9))")
