@@ -39,6 +39,10 @@ BatchSender::BatchSender(BatchTarget& target, RowParser parser, const RecordSour
 
 void BatchSender::noteIn(Ledger& ledger) {
   ledger_ = &ledger;
+  ledgerTells_ = ledger.isCommitted(target_.session()).has_value();
+  if (ledgerTells_) {
+    target_.rollback();
+  }
   position_ = ledger.state().reached;
   RunStatus::committed(position_.committed);
 }
@@ -84,7 +88,7 @@ void BatchSender::finish() {
   counts_.rowsCommitted += openRows_;
   openRows_ = 0;
   if (ledger_ != nullptr) {
-    ledger_->complete();
+    ledger_->complete(target_.session());
   }
 }
 
@@ -217,7 +221,7 @@ void BatchSender::commit(Batch part) {
       if (rejects_ != nullptr) {
         rejects_->sync();
       }
-      ledger_->intend({behind(part), sentRows_, firstLine_, lastLine_});
+      ledger_->intend(target_.session(), {behind(part), sentRows_, firstLine_, lastLine_});
     }
     RunStatus::committing(lines());
     namingLines([this] { target_.session().commit(); });
@@ -256,7 +260,7 @@ void BatchSender::undo() {
 
 // Whether the rows of the part, which a commit without an answer has left in doubt, are there.
 bool BatchSender::settle(Batch part, const Failure& doubt) {
-  if (lookup_ == nullptr) {
+  if (lookup_ == nullptr && !ledgerTells_) {
     throw doubt.retold(doubt.what() +
                        std::string("; --key COLUMN,... lets the tool look whether they are there"));
   }
@@ -284,6 +288,11 @@ bool BatchSender::settle(Batch part, const Failure& doubt) {
 
 bool BatchSender::isThere(Batch part, const Failure& doubt) {
   Session& session = target_.session();
+  if (ledgerTells_) {
+    const bool committed = *ledger_->isCommitted(session);
+    session.rollback();
+    return committed;
+  }
   std::uint64_t found = 0;
   for (BatchRecord& record : part) {
     Interrupt::check();

@@ -67,6 +67,7 @@ class BatchSender {
   void begin();
   void undo();
   bool settle(Batch part, const Failure& doubt);
+  // Whether the database has them now.
   bool isThere(Batch part, const Failure& doubt);
   LoadPosition behind(Batch part) const;
   std::string lines() const;
@@ -81,6 +82,7 @@ class BatchSender {
   LoadCounts& counts_;
   RejectsFile* rejects_ = nullptr;
   Ledger* ledger_ = nullptr;
+  bool ledgerTells_ = false;  // what became of a commit
   const KeyLookup* lookup_ = nullptr;
   RetryPolicy retry_;
   bool oneTransaction_;

@@ -88,7 +88,7 @@ std::map<std::string, ValueLimits> standardLimits(FirstGenerationSession& sessio
                 parameters)) {
     ValueLimits& limit = limits.emplace(column[0], limitsOf(product)).first->second;
     limit.daysOnly = column[1] == "date";
-    limit.secondDigits = numberFrom<int>(column[2]).value_or(*limit.secondDigits);
+    limit.secondDigits = numberFrom<int>(column[2]).value_or(product.secondDigits);
     limit.fractionDigits = numberFrom<unsigned>(column[3]);
     limit.characters = numberFrom<std::size_t>(column[4]);
   }

@@ -1,23 +1,17 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "zeldb/file_descriptor.h"
 #include "zeldb/load_position.h"
+#include "zeldb/session.h"
 
 namespace zeldb {
 
-// A file that tells how far a load has come, whole whenever the process or the machine stops: a
-// head that says what is loaded, and two places of fixed size, each with a number and a checksum,
-// that are written in turn and reach the disk before the load goes on.
-//
-// A commit and the note of it cannot be one step. So what is about to be committed is noted before,
-// and that it is committed after; in between a batch is in doubt.
+// Tells how far a load has come, so that another one can go on there.
 class Ledger {
  public:
   // What tells one load from another: names and their values.
@@ -37,39 +31,33 @@ class Ledger {
     bool complete = false;
   };
 
-  // Starts a ledger for the load of the file `source`. Throws Failure when there is one under the
-  // name, or it cannot be written.
-  static Ledger create(const std::string& path, const std::string& source, const Identity& identity,
-                       const LoadPosition& start);
-  // Goes on with a ledger. Throws Failure when it is none, another process uses it, or the identity
-  // or what has been read of the source differ, and names what does.
-  static Ledger open(const std::string& path, const std::string& source, const Identity& identity);
+  virtual ~Ledger() = default;
 
-  // What is true of a file as long as nobody changes it: its size and a sum of its start.
+  // What is true of a file as long as nobody changes it: its size and a sum of its start. Throws
+  // Failure when it is no regular file.
   static Identity identityOf(const std::string& source);
+  // The identity as lines of text, one for each name.
+  static std::vector<std::string> linesOf(const Identity& identity);
+  // Throws Failure that names the first line that differs. `name` is what it calls the ledger.
+  static void checkLines(const std::string& name, const std::vector<std::string>& has,
+                         const Identity& wanted);
 
   const State& state() const { return state_; }
+
+  // Called before a commit, in the transaction that is to be committed.
+  virtual void intend(Session& session, const Intent& intent) = 0;
   // The rows before `reached` are settled, and no others are on their way.
-  void reach(const LoadPosition& reached);
-  void intend(const Intent& intent);
+  virtual void reach(const LoadPosition& reached) = 0;
   // There are no more rows.
-  void complete();
+  virtual void complete(Session& session) = 0;
+  // Whether the commit of what was intended last has happened; nothing when the ledger cannot tell.
+  virtual std::optional<bool> isCommitted(Session& session) = 0;
 
- private:
-  Ledger(const std::string& path, int flags, const std::string& source);
-
-  void check(const std::string& path, const Identity& identity);
-  void write();
-  std::uint64_t tailSum() const;
-  std::string slotText() const;
-  bool readSlot(const std::string& text);
-
-  std::unique_ptr<FileDescriptor> file_;
-  std::unique_ptr<FileDescriptor> source_;
-  std::uint64_t slotsAt_ = 0;
-  std::uint64_t number_ = 0;  // of the place written last
-  std::uint64_t readTailSum_ = 0;
+ protected:
   State state_;
 };
+
+// A 64-bit sum of a text, to notice changes.
+std::uint64_t ledgerSum(std::string_view text);
 
 }  // namespace zeldb

@@ -13,6 +13,8 @@
 #include "zeldb/failure.h"
 #include "zeldb/generation_option.h"
 #include "zeldb/insert_plan.h"
+#include "zeldb/ledger_file.h"
+#include "zeldb/ledger_table.h"
 #include "zeldb/load_run.h"
 #include "zeldb/sampled_records.h"
 
@@ -67,9 +69,12 @@ void LoadVerb::declarePreparing(CLI::App& verb) {
 void LoadVerb::declareResuming(CLI::App& verb) {
   CLI::Option* const ledger = verb.add_option(
       "--ledger", ledger_, "File to note in how far the load has come (FILE.ledger)");
+  CLI::Option* const table = verb.add_option(
+      "--ledger-table", ledgerTable_, "Table of the service to note it in, instead of a file");
+  ledger->excludes(table);
   CLI::Option* const resume =
       verb.add_flag("--resume", resume_, "Go on where the ledger says; start when there is none");
-  for (CLI::Option* const option : {ledger, resume}) {
+  for (CLI::Option* const option : {ledger, table, resume}) {
     option->excludes(verb.get_option("--one-transaction"))->excludes(verb.get_option("--dry-run"));
   }
   verb.add_option("--in-doubt", inDoubt_,
@@ -91,8 +96,8 @@ void LoadVerb::load(Connector& connector, LoadMonitor& monitor) {
   if (!reader.next(header)) {
     throw Failure(ExitCode::kFile, fmt::format("{}: the file has no header", reader.place(1, 0)));
   }
-  auto ledger = openLedger(service);
   auto session = connector.connect(service);
+  auto ledger = openLedger(service, *session);
   SampledRecords records(reader, preparation_.create && !ledger ? preparation_.sampleRows : 0);
   std::string prelude;
   if (ledger) {
@@ -106,9 +111,8 @@ void LoadVerb::load(Connector& connector, LoadMonitor& monitor) {
     session->commit();
   }
   const InsertPlan plan = planInsert(*session, table_, reader, header, types);
-  if (!ledger && (resume_ || !ledger_.empty())) {
-    ledger = std::make_unique<Ledger>(
-        Ledger::create(ledgerPath(), file_, identity(service), {header.endByte, header.endLine}));
+  if (!ledger && (resume_ || !ledger_.empty() || !ledgerTable_.empty())) {
+    ledger = startLedger(service, *session, {header.endByte, header.endLine});
   }
   if (!inDoubt_.empty()) {
     options_.inDoubtRows = inDoubt_ == "committed";
@@ -124,11 +128,40 @@ std::string LoadVerb::ledgerPath() const {
   return ledger_.empty() ? file_ + ".ledger" : ledger_;
 }
 
-std::unique_ptr<Ledger> LoadVerb::openLedger(const Service& service) const {
+std::unique_ptr<Ledger> LoadVerb::openLedger(const Service& service,
+                                             FirstGenerationSession& session) const {
+  if (!ledgerTable_.empty()) {
+    auto ledger = std::make_unique<LedgerTable>(session, productOf(session), ledgerTable_,
+                                                table_ + '\n' + file_);
+    if (!ledger->isStarted()) {
+      return nullptr;
+    }
+    if (!resume_) {
+      throw Failure(ExitCode::kUsage,
+                    fmt::format("{}: there is a ledger of an earlier load of {}; --resume goes on "
+                                "with it",
+                                ledgerTable_, file_));
+    }
+    ledger->check(identity(service));
+    return ledger;
+  }
   if (!resume_ || !std::filesystem::exists(ledgerPath())) {
     return nullptr;
   }
-  return std::make_unique<Ledger>(Ledger::open(ledgerPath(), file_, identity(service)));
+  return std::make_unique<LedgerFile>(LedgerFile::open(ledgerPath(), file_, identity(service)));
+}
+
+std::unique_ptr<Ledger> LoadVerb::startLedger(const Service& service,
+                                              FirstGenerationSession& session,
+                                              const LoadPosition& start) const {
+  if (ledgerTable_.empty()) {
+    return std::make_unique<LedgerFile>(
+        LedgerFile::create(ledgerPath(), file_, identity(service), start));
+  }
+  auto ledger = std::make_unique<LedgerTable>(session, productOf(session), ledgerTable_,
+                                              table_ + '\n' + file_);
+  ledger->start(session, identity(service), start);
+  return ledger;
 }
 
 Ledger::Identity LoadVerb::identity(const Service& service) const {

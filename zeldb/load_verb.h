@@ -26,7 +26,9 @@ class LoadVerb : public Verb {
   void load(Connector& connector, LoadMonitor& monitor);
   std::string ledgerPath() const;
   // The ledger that the load goes on with; null for none.
-  std::unique_ptr<Ledger> openLedger(const Service& service) const;
+  std::unique_ptr<Ledger> openLedger(const Service& service, FirstGenerationSession& session) const;
+  std::unique_ptr<Ledger> startLedger(const Service& service, FirstGenerationSession& session,
+                                      const LoadPosition& start) const;
   Ledger::Identity identity(const Service& service) const;
 
   std::string service_;
@@ -35,6 +37,7 @@ class LoadVerb : public Verb {
   std::string types_;
   std::string delimiter_ = ",";
   std::string ledger_;
+  std::string ledgerTable_;
   bool resume_ = false;
   std::string inDoubt_;
   LoadOptions options_;

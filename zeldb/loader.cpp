@@ -66,9 +66,8 @@ void Loader::loadAll() {
   if (ledger_ != nullptr && ledger_->state().complete) {
     return;
   }
-  if (ledger_ != nullptr && ledger_->state().intent) {
-    const Ledger::Intent intent = *ledger_->state().intent;
-    settleDoubted(intent);
+  if (const auto intent = ledger_ != nullptr ? ledger_->state().intent : std::nullopt) {
+    settleDoubted(*intent);
   }
   for (BatchSender::Batch batch = readBatch(); !batch.empty(); batch = readBatch()) {
     sender_.send(batch);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstdio>
 
 namespace zeldb {
@@ -28,7 +29,7 @@ std::size_t terminalColumns() {
 }
 
 std::string timeText(double seconds) {
-  const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+  const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
   return whole < 3600 ? fmt::format("{}:{:02}", whole / 60, whole % 60)
                       : fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
 }

@@ -36,10 +36,11 @@ void RunStatus::committing(const std::string& rows) {
 
 std::string RunStatus::text() {
   const std::lock_guard lock(status().mutex);
-  if (!status().committed) {
+  const auto committed = status().committed;
+  if (!committed) {
     return {};
   }
-  std::string text = fmt::format("; {} rows are committed", *status().committed);
+  std::string text = fmt::format("; {} rows are committed", *committed);
   if (!status().committing.empty()) {
     text += fmt::format("; {} are in doubt", status().committing);
   }

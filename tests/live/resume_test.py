@@ -21,6 +21,8 @@ import time
 KILLS = int(os.environ.get("ZEL_KILLS", "3"))
 ROWS = int(os.environ.get("ZEL_ROWS", "20000"))
 BAD = {line: f"{line - 1},bad" for line in range(777, ROWS, max(ROWS // 9, 1))}
+# What tells which rows are in: the table's own key, or a ledger beside it.
+WAYS = {"file": ["--key", "id"], "table": ["--ledger-table", "resuming_ledger"]}
 PORT = {"PostgreSQL": "ZEL_TEST_PORT_POSTGRESQL", "MariaDB": "ZEL_TEST_PORT_MARIADB"}
 
 
@@ -77,15 +79,15 @@ class Proxy:
 
 
 class Case:
-    def __init__(self, folder, database):
-        self.folder, self.database = pathlib.Path(folder), database
+    def __init__(self, folder, database, way):
+        self.folder, self.database, self.way = pathlib.Path(folder), database, way
         self.environment = dict(os.environ)
         lines = ["id,n"] + [BAD.get(n + 1, f"{n},{n * 2}") for n in range(1, ROWS + 1)]
         (self.folder / "f.csv").write_text("\n".join(lines) + "\n")
         (self.folder / "zeldb.toml").write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
                                                 'password_env = "ZEL_TEST_PASSWORD"\n')
-        self.load = [os.environ["ZELDB"], "load", "live", "resuming", "f.csv", "--resume", "--key",
-                     "id", "--rejects", "r.csv", "--batch", "200"]
+        self.load = [os.environ["ZELDB"], "load", "live", "resuming", "f.csv", "--resume",
+                     "--rejects", "r.csv", "--batch", "200", *WAYS[way]]
 
     def zeldb(self, *arguments):
         done = subprocess.run([os.environ["ZELDB"], *arguments], cwd=self.folder, text=True,
@@ -95,10 +97,15 @@ class Case:
         return done.stdout
 
     def start_afresh(self):
-        self.zeldb("query", "live", "drop table if exists resuming")
+        self.drop_tables()
         self.zeldb("query", "live", "create table resuming (id integer not null primary key, "
                    "n integer)")
-        (self.folder / "f.csv.ledger").unlink(missing_ok=True)
+        for name in ("f.csv.ledger", "r.csv"):
+            (self.folder / name).unlink(missing_ok=True)
+
+    def drop_tables(self):
+        for table in ("resuming", "resuming_ledger"):
+            self.zeldb("query", "live", f"drop table if exists {table}")
 
     def finish(self, *options):
         done = subprocess.run([*self.load, *options], cwd=self.folder, text=True,
@@ -122,8 +129,8 @@ class Case:
         """Whether the load was still at work."""
         with subprocess.Popen(self.load, cwd=self.folder, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL) as tool:
-            ledger = self.folder / "f.csv.ledger"
-            while not ledger.exists() and tool.poll() is None:
+            begun = self.folder / ("f.csv.ledger" if self.way == "file" else "r.csv")
+            while not begun.exists() and tool.poll() is None:
                 time.sleep(0.001)
             time.sleep(seconds)
             tool.send_signal(signal.SIGKILL)
@@ -141,11 +148,11 @@ class Case:
                 kills += 1
                 self.kill(random.uniform(0, whole * 0.3))
             self.finish()
-        print(f"{self.database}: {kills} times killed and resumed, {ROWS} rows in {whole:.1f} s")
+        print(f"{self.database}, ledger in a {self.way}: {kills} times killed and resumed, {ROWS} rows in {whole:.1f} s")
 
     def test_lost_links(self):
         for answered in (False, True):
-            proxy = Proxy(os.environ[PORT[self.database]], 9, answered)
+            proxy = Proxy(os.environ[PORT[self.database]], 19, answered)
             odbc = pathlib.Path(os.environ["ODBCINI"]).read_text()
             for name in PORT.values():
                 odbc = odbc.replace(os.environ[name], str(proxy.port))
@@ -153,7 +160,7 @@ class Case:
             self.environment["ODBCINI"] = str(self.folder / "odbc.ini")
             self.start_afresh()
             told = self.finish("--retries", "5", "--metrics", "m.prom")
-            if proxy.seen <= 9:
+            if proxy.seen <= 19:
                 sys.exit(f"the link was not cut: {proxy.seen} commits; {told}")
             metrics = (self.folder / "m.prom").read_text()
             if not re.search(r"zeldb_in_doubt_total\{.*\} 1\n", metrics):
@@ -161,12 +168,13 @@ class Case:
 
 
 def main(database):
-    with tempfile.TemporaryDirectory() as folder:
-        case = Case(folder, database)
-        case.test_kills()
-        if database in PORT:
-            case.test_lost_links()
-        case.zeldb("query", "live", "drop table resuming")
+    for way in WAYS:
+        with tempfile.TemporaryDirectory() as folder:
+            case = Case(folder, database, way)
+            case.test_kills()
+            if database in PORT:
+                case.test_lost_links()
+            case.drop_tables()
 
 
 main(*sys.argv[1:])

@@ -264,6 +264,38 @@ class Resuming(ToolCase):
                     self.assertEqual((done.returncode, done.stderr), (0, ""))
                     self.assertEqual(self.count(), (5, 5))
 
+    def test_a_ledger_in_the_database_leaves_nothing_in_doubt(self):
+        self.write("f.csv", FIVE + "x,,,,,\n6,,,,,\n")
+        load = ["load", "s", "t", "f.csv", "--batch", "2", "--ledger-table", "led", "--rejects",
+                "r.csv"]
+        for generation in "12":
+            for fault in ("SQLEndTran 9 08S01", "SQLEndTran -9 08S01"):  # committed, or not
+                with self.subTest(generation=generation, fault=fault):
+                    self.sql("drop table if exists led")
+                    self.sql("delete from t")
+                    done = self.run_tool(*load, "--generation", generation, "--metrics", "m.prom",
+                                         fault=fault)
+                    self.expect(done, 1, r"1 row rejected, named in r.csv; 6 rows are committed")
+                    self.assertEqual(self.count(), (6, 6))
+                    self.assertRegex((self.folder / "m.prom").read_text(), r"in_doubt_total.* 1\n")
+        self.expect(self.run_tool(*load), 2,
+                    r"led: there is a ledger of an earlier load of f.csv; .*")
+        done = self.run_tool(*load, "--resume")
+        self.expect(done, 1, r"1 row rejected, named in r.csv; 6 rows are committed")
+        self.assertEqual(self.count(), (6, 6))
+        self.assertEqual(self.sql("select committed_rows, rejected_rows, complete from led"),
+                         [(6, 1, 1)])
+        # What had been on its way arrives after the ledger was read: nothing is sent twice.
+        for generation in "12":
+            self.sql("delete from t where id > 2")
+            self.sql(f"update led set at_byte = {len(HEAD) + 14}, at_line = 4, committed_rows = 2, "
+                     "rejected_rows = 0, complete = 0")
+            self.sql("drop trigger if exists late")
+            self.sql("create trigger late before insert on t begin update led set at_byte = 60; end")
+            done = self.run_tool(*load, "--resume", "--generation", generation)
+            self.assertIn("another load has moved the ledger", done.stderr)
+            self.assertEqual(self.count(), (2, 2))
+
     def test_another_load_is_refused(self):
         self.write("f.csv", FIVE)
         load = ["load", "s", "t", "f.csv", "--batch", "2", "--resume"]
