@@ -111,7 +111,8 @@ class Case:
         done = subprocess.run([*self.load, *options], cwd=self.folder, text=True,
                               capture_output=True, check=False, env=self.environment)
         lines = done.stderr.splitlines() or [""]
-        want = f"zeldb: {len(BAD)} rows rejected, named in r.csv; {ROWS - len(BAD)} rows are committed"
+        want = (f"zeldb: {len(BAD)} rows rejected, named in r.csv; "
+                f"{ROWS - len(BAD)} rows are committed")
         if (done.returncode, lines[-1]) != (1, want):
             sys.exit(f"exit code {done.returncode}: {done.stderr}")
         count = self.zeldb("dump", "live", "select count(*), count(distinct id), sum(n % 1000) "
@@ -148,7 +149,8 @@ class Case:
                 kills += 1
                 self.kill(random.uniform(0, whole * 0.3))
             self.finish()
-        print(f"{self.database}, ledger in a {self.way}: {kills} times killed and resumed, {ROWS} rows in {whole:.1f} s")
+        print(f"{self.database}, ledger in a {self.way}: {kills} times killed and resumed, "
+              f"{ROWS} rows in {whole:.1f} s")
 
     def test_lost_links(self):
         for answered in (False, True):

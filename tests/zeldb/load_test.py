@@ -291,7 +291,8 @@ class Resuming(ToolCase):
             self.sql(f"update led set at_byte = {len(HEAD) + 14}, at_line = 4, committed_rows = 2, "
                      "rejected_rows = 0, complete = 0")
             self.sql("drop trigger if exists late")
-            self.sql("create trigger late before insert on t begin update led set at_byte = 60; end")
+            self.sql("create trigger late before insert on t begin "
+                     "update led set at_byte = 60; end")
             done = self.run_tool(*load, "--resume", "--generation", generation)
             self.assertIn("another load has moved the ledger", done.stderr)
             self.assertEqual(self.count(), (2, 2))

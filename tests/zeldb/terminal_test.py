@@ -36,7 +36,8 @@ class Terminal(ToolCase):
 
     def start(self, columns, file):
         """A load in a window; a shell waits behind it, so that the window stays."""
-        script = (f"trap : INT; {shlex.quote(ZELDB)} load s t {file} --batch 20; echo code $?; sleep 60")
+        script = (f"trap : INT; {shlex.quote(ZELDB)} load s t {file} --batch 20; "
+                  "echo code $?; sleep 60")
         variables = [f"{name}={value}" for name, value in self.environment().items()
                      if name in ("ODBCSYSINI", "ODBCINI", "LD_PRELOAD", "ASAN_OPTIONS")]
         self.tmux("new-session", "-d", "-s", "z", "-x", str(columns), "-y", "12", "-c",

@@ -473,7 +473,8 @@ class Copy(ToolCase):
                  "insert into t (id) select n from c")
         copy = ["copy", "s.t", "o.t", "--batch", "300"]
         done = self.run_tool(*copy, fault="SQLFetch -400 08S01")
-        self.expect(done, 3, r"reading rows: injected \(SQLSTATE 08S01, .*\); 300 rows are committed")
+        self.expect(done, 3,
+                    r"reading rows: injected \(SQLSTATE 08S01, .*\); 300 rows are committed")
         self.other("delete from t")
         done = self.run_tool(*copy, "--retries", "1", fault="SQLExecute -6 40001")
         self.assertEqual((done.returncode, done.stderr.count("trying again")), (0, 1), done.stderr)
