@@ -163,6 +163,7 @@ void BatchSender::split(Batch part, const Failure& failure) {
 }
 
 void BatchSender::insert(Batch part) {
+  RunStatus::committed(committed());
   BatchWriter& writer = target_.writer();
   firstLine_ = openRows_ == 0 ? part.front().record.line : firstLine_;
   sentRows_ = 0;

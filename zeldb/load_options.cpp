@@ -31,7 +31,8 @@ void addLoadOptions(CLI::App& verb, LoadOptions& options) {
   verb.add_option("--key", options.keys,
                   "COLUMN,... that tell rows apart, to look for those that are in doubt")
       ->delimiter(',');
-  verb.add_option("--metrics", options.metrics, "File for counts, in Prometheus' text form");
+  verb.add_option("--metrics", options.metrics, "File for counts, in Prometheus' text form")
+      ->type_name("FILE");
 }
 
 }  // namespace zeldb

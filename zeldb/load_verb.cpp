@@ -67,8 +67,9 @@ void LoadVerb::declarePreparing(CLI::App& verb) {
 }
 
 void LoadVerb::declareResuming(CLI::App& verb) {
-  CLI::Option* const ledger = verb.add_option(
-      "--ledger", ledger_, "File to note in how far the load has come (FILE.ledger)");
+  CLI::Option* const ledger =
+      verb.add_option("--ledger", ledger_, "Notes how far the load has come (the file's .ledger)")
+          ->type_name("FILE");
   CLI::Option* const table = verb.add_option(
       "--ledger-table", ledgerTable_, "Table of the service to note it in, instead of a file");
   ledger->excludes(table);
