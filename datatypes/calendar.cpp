@@ -7,9 +7,6 @@ namespace {
 
 constexpr long kSecondsPerDay = 86400;
 
-// Days from 1 March to the first of each month, January first.
-constexpr int kDaysSinceMarch[] = {306, 337, 0, 31, 61, 92, 122, 153, 184, 214, 245, 275};
-
 // From 1 March 1900 to 1970-01-01, as the formula of tm2sec counts.
 constexpr long kEpochDays = 25508;
 
@@ -32,8 +29,8 @@ long tm2sec(const std::tm* t) {
   }
   if (t->tm_mon < 0 || t->tm_mon > 11) return -1;
   const long y = t->tm_mon < 2 ? t->tm_year - 1L : t->tm_year;
-  const long days = 365 * y + y / 4 - y / 100 + (y / 100 + 3) / 4 + kDaysSinceMarch[t->tm_mon] +
-                    t->tm_mday - 1 - kEpochDays;
+  const long days = 365 * y + y / 4 - y / 100 + (y / 100 + 3) / 4 +
+                    detail::kDaysSinceMarch[t->tm_mon] + t->tm_mday - 1 - kEpochDays;
   const long seconds = secondsOf(days, *t);
   return seconds < 0 ? -1 : seconds;
 }

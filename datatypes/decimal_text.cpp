@@ -105,6 +105,11 @@ std::size_t placePoint(bool isNegative, const char* digits, std::size_t count, u
 void putForty(Uint128 magnitude, char* out) {
   constexpr std::uint64_t kTen8 = 100000000;
   constexpr std::uint64_t kTen16 = kTen8 * kTen8;
+  if (magnitude < kTen16) {  // most decimals: nothing to divide
+    std::memset(out, '0', kMaxDigits - 16);
+    putSixteen(out + kMaxDigits - 16, lowWord(magnitude));
+    return;
+  }
   // The reciprocal's quotient can be one too high.
   Uint128 upper = wideProduct(magnitude, kReciprocals[15]).high;
   if (upper * kTen16 > magnitude) --upper;

@@ -2,9 +2,11 @@
 
 #include <cstring>
 #include <exception>
+#include <string_view>
 
 #include "datatypes/big_date_time_format_parser_time_to_string.h"
 #include "datatypes/date_format_parser_date_to_string.h"
+#include "datatypes/fixed_picture.h"
 #include "datatypes/time_format_parser_time_from_string.h"
 #include "datatypes/time_format_parser_time_to_string.h"
 #include "datatypes/zone.h"
@@ -12,8 +14,32 @@
 namespace DataTypes {
 namespace {
 
+constexpr long kSeconds = 1;
+constexpr long kMillis = 1000;
+constexpr long kMicros = 1000000;
+
+// Prints by a picture that is made of fixed fields, where the value's year has four digits before
+// and after the shift to the zone; false leaves the value to the printer. Fractions and remainders
+// of such values are not negative, so that all fields are what the printer's are. May throw when
+// memory runs out.
+template <long UnitsPerSecond>
+bool printFixed(long value, std::string_view text, const Zone* zone, std::string& out) {
+  constexpr long kMicrosPerUnit = kMicros / UnitsPerSecond;
+  if (value < 0 || value > kLastFixedMicros / kMicrosPerUnit) return false;
+  const FixedPicture& picture = FixedPicture::of(text);
+  if (!picture.isFixed()) return false;
+  const long seconds = value / UnitsPerSecond;
+  bool failed = false;  // the display does not depend on it
+  const long shifted =
+      zone == nullptr ? seconds : zone->wallClockMicros(seconds * kMillis, failed) / kMicros;
+  const long micros = shifted * kMicros + value % UnitsPerSecond * kMicrosPerUnit;
+  if (shifted < 0 || micros > kLastFixedMicros) return false;
+  picture.print(micros, out);
+  return true;
+}
+
 // Handlers throw only when memory runs out; nothing may leave the library.
-template <class Printer>
+template <class Printer, long UnitsPerSecond>
 void print(long value, const char* picture, const char* zone, std::string& out) {
   out.clear();
   const bool isUtc = zone == nullptr || *zone == '\0' || std::strcmp(zone, "UTC") == 0;
@@ -21,6 +47,7 @@ void print(long value, const char* picture, const char* zone, std::string& out) 
   if (picture == nullptr || (!isUtc && (known == nullptr || !known->isKnown()))) return;
   try {
     const std::size_t length = std::strlen(picture);
+    if (printFixed<UnitsPerSecond>(value, {picture, length}, known, out)) return;
     out.reserve(length + 1);
     Printer printer(value, known, out);
     if (!printer.prepare() || !printer.Parse(picture, length)) out.clear();
@@ -40,22 +67,18 @@ bool read(const char* text, const char* picture, long unitsPerSecond, long& out)
   }
 }
 
-constexpr long kSeconds = 1;
-constexpr long kMillis = 1000;
-constexpr long kMicros = 1000000;
-
 }  // namespace
 
 void TimestampToString(long value, const char* picture, const char* zone, std::string& out) {
-  print<TimeFormatParser_TimeToString>(value, picture, zone, out);
+  print<TimeFormatParser_TimeToString, kMillis>(value, picture, zone, out);
 }
 
 void DateToString(long value, const char* picture, const char* zone, std::string& out) {
-  print<DateFormatParser_DateToString>(value, picture, zone, out);
+  print<DateFormatParser_DateToString, kSeconds>(value, picture, zone, out);
 }
 
 void BigDateTimeToString(long value, const char* picture, const char* zone, std::string& out) {
-  print<BigDateTimeFormatParser_TimeToString>(value, picture, zone, out);
+  print<BigDateTimeFormatParser_TimeToString, kMicros>(value, picture, zone, out);
 }
 
 bool TimestampFromString(const char* text, const char* picture, long& out) {

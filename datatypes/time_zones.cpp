@@ -70,6 +70,7 @@ Zone::Zone(const char* name) : icu_(new Icu{createZone(name), nullptr}), name_(n
   if (icu_->zone == nullptr) throw std::bad_alloc();
   icu_->rules = dynamic_cast<const icu::BasicTimeZone*>(icu_->zone.get());
   identifier_ = identifierOf(*icu_->zone);
+  isKnown_ = identifier_ == name_;
 }
 
 Zone::~Zone() = default;

@@ -20,7 +20,7 @@ class Zone {
   const std::string& name() const { return name_; }
 
   // Whether the zone is known under exactly its name.
-  bool isKnown() const { return identifier_ == name_; }
+  bool isKnown() const { return isKnown_; }
 
   // The identifier that the zone itself reports.
   const std::string& identifier() const { return identifier_; }
@@ -61,6 +61,7 @@ class Zone {
   std::unique_ptr<Icu> icu_;
   std::string name_;
   std::string identifier_;
+  bool isKnown_ = false;
   mutable long offsetsMinute_ = -1;  // the minute of the clock that the two offsets are of
   mutable long rawOffsetMillis_ = 0;
   mutable long daylightSavingsMillis_ = 0;

@@ -7,7 +7,7 @@
 #include <iterator>
 
 #include "datatypes/data_types.h"
-#include "driver/family_places.h"
+#include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
 #include "odbc/byte_store.h"
 
@@ -136,32 +136,19 @@ constexpr FamilyRule kRules[] = {
      {SQL_C_BINARY, SQL_VARBINARY, byteLength, fixed<0>, fixed<0>, storeVariable}},
 };
 
-constexpr auto kPlaces = familyPlaces(kRules);
+constexpr auto kRuleOfType = ODBC::rowsByType(kRules);
 
 // 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
 constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
                                        fixed<0>,   fixed<0>,   storeText<21>};
 
-struct TimeScale {
-  unsigned typeNumber;
-  long perSecond;         // units of the value in a second
-  unsigned nanosPerUnit;  // nanoseconds in a unit
-};
-
-constexpr TimeScale kTimeScales[] = {
-    {DataTypes::kDate, 1, 0},
-    {DataTypes::kTimestamp, 1000, 1'000'000},
-    {DataTypes::kBigDateTime, 1'000'000, 1000},
-};
-
 }  // namespace
 
 const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
-  const TypeFamily family = DataTypes::familyOf(type);
-  const bool bigInt = family == TypeFamily::kInt64 || family == TypeFamily::kInterval;
-  if (bigInt && bigIntAsChar) return &kBigIntAsChar;
-  const std::size_t at = kPlaces[static_cast<std::size_t>(family)];
-  return at == std::size(kRules) ? nullptr : &kRules[at].rule;
+  const FamilyRule* row = ODBC::rowOf(kRuleOfType, type);
+  if (row == nullptr) return nullptr;
+  const bool bigInt = row->family == TypeFamily::kInt64 || row->family == TypeFamily::kInterval;
+  return bigInt && bigIntAsChar ? &kBigIntAsChar : &row->rule;
 }
 
 void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned int type,
@@ -173,14 +160,12 @@ void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned
 }
 
 bool convertTime(unsigned int type, const DataValue& value, TIMESTAMP_STRUCT& timestamp) {
-  const auto* scale =
-      std::ranges::find(kTimeScales, DataTypes::typeNumber(type), &TimeScale::typeNumber);
-  if (scale == std::end(kTimeScales)) {
+  const ODBC::DateUnit* unit = ODBC::dateUnitOf(type);
+  if (unit == nullptr) {
     std::cout << "Invalid data for converting as time\n";
     return false;
   }
-  if (ODBC::makeTimestamp(value.int64, scale->perSecond, scale->nanosPerUnit, timestamp))
-    return true;
+  if (ODBC::makeTimestamp(value.int64, *unit, timestamp)) return true;
   std::cout << "Error converting value as date\n";
   return false;
 }

@@ -8,26 +8,28 @@
 #include <charconv>
 #include <iterator>
 
+#include "odbc/cell_readers.h"
+
 namespace KORVEX::Zel::DB {
 
 namespace {
 
+using ODBC::CellContent;
 using ODBC::Odbc;
-using ODBC::OdbcCol;
 
-using NumberGetter = Odbc::e_Status (*)(OdbcCol& column, ColumnNumber& number);
+using NumberGetter = Odbc::e_Status (*)(const CellContent& column, ColumnNumber& number);
 
 template <typename Getter>
-Odbc::e_Status getInteger(OdbcCol& column, ColumnNumber& number) {
+Odbc::e_Status getInteger(const CellContent& column, ColumnNumber& number) {
   Getter value{};
-  const Odbc::e_Status status = column.GetData(value);
+  const Odbc::e_Status status = ODBC::readCell(column, value);
   number.integer = static_cast<long>(value);
   return status;
 }
 
-Odbc::e_Status getDouble(OdbcCol& column, ColumnNumber& number) {
+Odbc::e_Status getDouble(const CellContent& column, ColumnNumber& number) {
   number.real = true;
-  return column.GetData(number.floating);
+  return ODBC::readCell(column, number.floating);
 }
 
 struct NumberRow {
@@ -74,11 +76,8 @@ std::string ColumnNumber::toText(bool plain) const {
   return {text.data(), result.ptr};
 }
 
-Odbc::e_Status readColumnNumber(OdbcCol& column, ColumnNumber& number) {
-  short cType = 0;
-  int length = 0;
-  column.GetCType(cType, length);
-  const auto* row = std::ranges::find(kNumbers, cType, &NumberRow::cType);
+Odbc::e_Status readColumnNumber(const CellContent& column, ColumnNumber& number) {
+  const auto* row = std::ranges::find(kNumbers, column.cType, &NumberRow::cType);
   return row == std::end(kNumbers) ? Odbc::e_Error : row->get(column, number);
 }
 

@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "odbc/odbc_col.h"
+#include "odbc/cell_content.h"
+#include "odbc/odbc.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -21,6 +22,6 @@ struct ColumnNumber {
 
 // Reads a column of a numeric C type. Returns the column's status: e_Ok, e_Null, or e_Error when
 // its C type is not numeric.
-ODBC::Odbc::e_Status readColumnNumber(ODBC::OdbcCol& column, ColumnNumber& number);
+ODBC::Odbc::e_Status readColumnNumber(const ODBC::CellContent& column, ColumnNumber& number);
 
 }  // namespace KORVEX::Zel::DB

@@ -20,7 +20,9 @@ namespace KORVEX::Zel::DB {
 namespace {
 
 using DataTypes::DataValue;
-using ODBC::OdbcCol;
+using ODBC::CellContent;
+using ODBC::DateUnit;
+using ODBC::SecondsOf;
 
 // Microsoft SQL Server's time type with a fraction; its structure starts like an ODBC time.
 constexpr short kSqlServerTime2 = -154;
@@ -29,20 +31,6 @@ constexpr unsigned kNanosPerSecond = 1'000'000'000;
 constexpr char kIsoPicture[] = "%Y-%m-%dT%H:%M:%S";
 constexpr char kBlankPicture[] = "%Y-%m-%d %H:%M:%S";
 constexpr char kDatePicture[] = "%Y-%m-%d";
-
-// One row a date type: its unit, and how its text is written for the plain way of reading.
-struct DateRow {
-  unsigned typeNumber;
-  long unitsPerSecond;
-  unsigned nanosPerUnit;  // 0: the type has no fraction
-  const char* fraction;   // the format of the fraction
-};
-
-constexpr DateRow kDateRows[] = {
-    {DataTypes::kDate, 1, 0, nullptr},
-    {DataTypes::kTimestamp, 1000, 1'000'000, ".%03u"},
-    {DataTypes::kBigDateTime, 1'000'000, 1000, ".%06u"},
-};
 
 enum class Layout { kNone, kTimestamp, kTime, kText };
 
@@ -57,31 +45,17 @@ constexpr LayoutRow kLayouts[] = {
     {SQL_C_CHAR, Layout::kText},
 };
 
-struct ColumnLayout {
-  short sqlType = 0;
-  Layout layout = Layout::kNone;
-};
-
-ColumnLayout layoutOf(OdbcCol& column) {
-  ColumnLayout result;
-  unsigned int size = 0;
-  short digits = 0;
-  column.GetSqlType(result.sqlType, size, digits);
-  short cType = 0;
-  int length = 0;
-  column.GetCType(cType, length);
-  const auto* row = std::ranges::find(kLayouts, cType, &LayoutRow::cType);
-  if (row != std::end(kLayouts)) {
-    result.layout = row->layout;
-  } else if (result.sqlType == kSqlServerTime2) {
-    result.layout = Layout::kTime;
-  }
-  return result;
+Layout layoutOf(const CellContent& column) {
+  const auto* row = std::ranges::find(kLayouts, column.cType, &LayoutRow::cType);
+  if (row != std::end(kLayouts)) return row->layout;
+  return column.sqlType == kSqlServerTime2 ? Layout::kTime : Layout::kNone;
 }
 
 // The column's bytes where they lie.
-ReadResult readBytes(OdbcCol& column, std::span<const unsigned char>& bytes) {
-  return readResultOf(column.GetBytes(bytes));
+ReadResult readBytes(const CellContent& column, std::span<const unsigned char>& bytes) {
+  if (column.isNull()) return {ReadResult::kNull};
+  bytes = {column.buffer.Data(), column.buffer.Length()};
+  return {ReadResult::kValue};
 }
 
 std::string textOf(std::span<const unsigned char> bytes) {
@@ -89,7 +63,7 @@ std::string textOf(std::span<const unsigned char> bytes) {
 }
 
 // The column's structure; a time becomes that time on the first day of the epoch.
-ReadResult readStructure(OdbcCol& column, Layout layout, TIMESTAMP_STRUCT& timestamp) {
+ReadResult readStructure(const CellContent& column, Layout layout, TIMESTAMP_STRUCT& timestamp) {
   std::span<const unsigned char> bytes;
   const ReadResult result = readBytes(column, bytes);
   if (result.outcome != ReadResult::kValue) return result;
@@ -113,27 +87,27 @@ bool inRange(const TIMESTAMP_STRUCT& t) {
          t.fraction < kNanosPerSecond;
 }
 
-using SecondsOf = long (*)(const tm* time);
-
-std::int64_t countOf(const tm& time, unsigned nanos, const DateRow& row, SecondsOf secondsOf) {
-  const long seconds = secondsOf(&time);
-  return seconds * row.unitsPerSecond + (row.nanosPerUnit == 0 ? 0 : nanos / row.nanosPerUnit);
+// The digits of a fraction in the unit.
+constexpr int fractionDigits(const DateUnit& unit) {
+  int digits = 0;
+  for (long units = unit.perSecond; units > 1; units /= 10) ++digits;
+  return digits;
 }
 
 // The plain way: the fields as text, and the text parsed. Decides about fields out of range.
-ReadResult parseFields(const TIMESTAMP_STRUCT& t, const DateRow& row, DataValue& cell) {
+ReadResult parseFields(const TIMESTAMP_STRUCT& t, const DateUnit& unit, DataValue& cell) {
   char text[64] = {};
   const int length =
       intl_snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", int{t.year}, int{t.month},
                     int{t.day}, int{t.hour}, int{t.minute}, int{t.second});
-  if (row.fraction != nullptr) {
-    intl_snprintf(text + length, sizeof text - static_cast<std::size_t>(length), row.fraction,
-                  static_cast<unsigned>(t.fraction) / row.nanosPerUnit);
+  if (unit.nanosPerUnit != 0) {
+    intl_snprintf(text + length, sizeof text - static_cast<std::size_t>(length), ".%0*u",
+                  fractionDigits(unit), static_cast<unsigned>(t.fraction) / unit.nanosPerUnit);
   }
   const char* message = nullptr;
   DataValue parsed;
-  if (!DataTypes::convertFromString(row.typeNumber, text, parsed, message, kIsoPicture, kIsoPicture,
-                                    kIsoPicture, nullptr)) {
+  if (!DataTypes::convertFromString(unit.typeNumber, text, parsed, message, kIsoPicture,
+                                    kIsoPicture, kIsoPicture, nullptr)) {
     return {ReadResult::kFailed, message};
   }
   cell = parsed;
@@ -161,7 +135,8 @@ bool parseIso(const char* text, tm& time, unsigned& nanos) {
   return false;
 }
 
-ReadResult readIsoText(OdbcCol& column, const DateRow& row, SecondsOf secondsOf, DataValue& cell) {
+ReadResult readIsoText(const CellContent& column, const DateUnit& unit, SecondsOf secondsOf,
+                       DataValue& cell) {
   std::span<const unsigned char> bytes;
   const ReadResult result = readBytes(column, bytes);
   if (result.outcome != ReadResult::kValue) return result;
@@ -171,21 +146,29 @@ ReadResult readIsoText(OdbcCol& column, const DateRow& row, SecondsOf secondsOf,
   if (!parseIso(text.c_str(), time, nanos)) {
     return {ReadResult::kFailed, "the text is not an ISO date and time"};
   }
-  cell.int64 = countOf(time, nanos, row, secondsOf);
+  cell.int64 = secondsOf(&time) * unit.perSecond;
+  if (unit.nanosPerUnit != 0) cell.int64 += nanos / unit.nanosPerUnit;
   return {ReadResult::kValue};
 }
 
-ReadResult readDate(OdbcCol& column, unsigned int type, SecondsOf secondsOf, DataValue& cell) {
-  const auto* row = std::ranges::find(kDateRows, DataTypes::typeNumber(type), &DateRow::typeNumber);
-  if (row == std::end(kDateRows)) return {ReadResult::kFailed};
-  const Layout layout = layoutOf(column).layout;
-  if (layout == Layout::kText) return readIsoText(column, *row, secondsOf, cell);
+ReadResult readDate(const CellContent& column, unsigned int type, SecondsOf secondsOf,
+                    DataValue& cell) {
+  const DateUnit* unit = ODBC::dateUnitOf(type);
+  if (unit == nullptr) return {ReadResult::kFailed};
   TIMESTAMP_STRUCT timestamp{};
-  const ReadResult result = readStructure(column, layout, timestamp);
-  if (result.outcome != ReadResult::kValue) return result;
-  if (!inRange(timestamp)) return parseFields(timestamp, *row, cell);
-  cell.int64 = countOf(ODBC::brokenDown(timestamp), timestamp.fraction, *row, secondsOf);
-  return result;
+  if (column.cType == SQL_C_TYPE_TIMESTAMP && column.buffer.Length() == sizeof timestamp) {
+    // What readStructure does for most columns, without a look at the others.
+    if (column.isNull()) return {ReadResult::kNull};
+    std::memcpy(&timestamp, column.buffer.Data(), sizeof timestamp);
+  } else {
+    const Layout layout = layoutOf(column);
+    if (layout == Layout::kText) return readIsoText(column, *unit, secondsOf, cell);
+    const ReadResult result = readStructure(column, layout, timestamp);
+    if (result.outcome != ReadResult::kValue) return result;
+  }
+  if (!inRange(timestamp)) return parseFields(timestamp, *unit, cell);
+  cell.int64 = ODBC::countOfTimestamp(timestamp, *unit, secondsOf);
+  return {ReadResult::kValue};
 }
 
 // The fraction's digits without trailing zeros, behind a point; nothing for 0.
@@ -198,7 +181,7 @@ std::string fractionText(unsigned nanos) {
 }
 
 // hh:mm:ss at the positions that every wide time text has.
-ReadResult readWideTime(OdbcCol& column, DataValue& cell) {
+ReadResult readWideTime(const CellContent& column, DataValue& cell) {
   constexpr std::size_t kShortest = 8;
   std::span<const unsigned char> bytes;
   const ReadResult result = readBytes(column, bytes);
@@ -218,31 +201,30 @@ int safeTimeAtoi(const char* text) {
   return std::strcmp(text, "00") == 0 || std::strcmp(text, "0") == 0 ? 0 : -1;
 }
 
-ReadResult readDateTime(OdbcCol& column, unsigned int type, DataValue& cell) {
+ReadResult readDateTime(const CellContent& column, unsigned int type, DataValue& cell) {
   return readDate(column, type, DataTypes::tm2sec, cell);
 }
 
-ReadResult readDateTimeUtc(OdbcCol& column, unsigned int type, DataValue& cell) {
+ReadResult readDateTimeUtc(const CellContent& column, unsigned int type, DataValue& cell) {
   return readDate(column, type, DataTypes::tm2secUtc, cell);
 }
 
-ReadResult readTime(OdbcCol& column, unsigned int, DataValue& cell) {
-  const ColumnLayout layout = layoutOf(column);
-  if (layout.sqlType == SQL_WVARCHAR) return readWideTime(column, cell);
+ReadResult readTime(const CellContent& column, unsigned int, DataValue& cell) {
+  if (column.sqlType == SQL_WVARCHAR) return readWideTime(column, cell);
   TIMESTAMP_STRUCT timestamp{};
-  const ReadResult result = readStructure(column, layout.layout, timestamp);
+  const ReadResult result = readStructure(column, layoutOf(column), timestamp);
   if (result.outcome != ReadResult::kValue) return result;
   cell.int64 = timestamp.hour * 3600 + timestamp.minute * 60 + timestamp.second;
   return result;
 }
 
-ReadResult readDateTimeText(OdbcCol& column, std::string& text) {
-  const ColumnLayout layout = layoutOf(column);
+ReadResult readDateTimeText(const CellContent& column, std::string& text) {
+  const Layout layout = layoutOf(column);
   TIMESTAMP_STRUCT t{};
-  const ReadResult result = readStructure(column, layout.layout, t);
+  const ReadResult result = readStructure(column, layout, t);
   if (result.outcome != ReadResult::kValue) return result;
-  const bool dateOnly = layout.sqlType == SQL_TYPE_DATE;
-  const bool timeOnly = layout.layout == Layout::kTime;
+  const bool dateOnly = column.sqlType == SQL_TYPE_DATE;
+  const bool timeOnly = layout == Layout::kTime;
   char date[32] = {};
   char time[32] = {};
   intl_snprintf(date, sizeof date, "%04d-%02d-%02d", int{t.year}, int{t.month}, int{t.day});

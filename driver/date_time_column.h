@@ -3,7 +3,8 @@
 #include <string>
 
 #include "driver/reader_table.h"
-#include "odbc/odbc_col.h"
+#include "odbc/cell_content.h"
+#include "odbc/odbc.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -12,18 +13,20 @@ namespace KORVEX::Zel::DB {
 // hold an ISO date and time, with "T" or a blank between them and perhaps a fraction. Digits beyond
 // the type's unit are cut, not rounded.
 // Kept: dates before 1970 count as local time of the process, which is right only in UTC.
-ReadResult readDateTime(ODBC::OdbcCol& column, unsigned int type, DataTypes::DataValue& cell);
+ReadResult readDateTime(const ODBC::CellContent& column, unsigned int type,
+                        DataTypes::DataValue& cell);
 
 // The same with every date in UTC.
-ReadResult readDateTimeUtc(ODBC::OdbcCol& column, unsigned int type, DataTypes::DataValue& cell);
+ReadResult readDateTimeUtc(const ODBC::CellContent& column, unsigned int type,
+                           DataTypes::DataValue& cell);
 
 // Time of day in seconds since midnight. Takes date, timestamp and time columns, and wide text of
 // the form hh:mm:ss.
-ReadResult readTime(ODBC::OdbcCol& column, unsigned int type, DataTypes::DataValue& cell);
+ReadResult readTime(const ODBC::CellContent& column, unsigned int type, DataTypes::DataValue& cell);
 
 // The ISO text of a timestamp, date or time column: YYYY-MM-DDThh:mm:ss with the fraction's digits
 // up to the last that is not 0, YYYY-MM-DD, or hh:mm:ss.
-ReadResult readDateTimeText(ODBC::OdbcCol& column, std::string& text);
+ReadResult readDateTimeText(const ODBC::CellContent& column, std::string& text);
 
 // The number in a two-character field of a time: its decimal value when that is not 0; 0 for "00"
 // and "0"; -1 for anything else.

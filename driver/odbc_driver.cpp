@@ -73,14 +73,18 @@ Connection2* OdbcDriver::createConnection2(const DataService& service, DBError* 
     const ServiceProperties properties(service);
     const ODBC::TransferPolicy& policy =
         properties.safeTransfer ? ODBC::kSafeTransfer : ODBC::kPlainTransfer;
-    ODBC::Connection2Odbc* connection =
-        env2_->createConnection2(properties.dsn.c_str(), properties.user.c_str(), policy, error);
+    const auto release = [this](ODBC::Connection2Odbc* made) {
+      env2_->releaseConnection2(made, nullptr);
+    };
+    std::unique_ptr<ODBC::Connection2Odbc, decltype(release)> connection(
+        env2_->createConnection2(properties.dsn.c_str(), properties.user.c_str(), policy, error),
+        release);
     if (connection == nullptr) return nullptr;
     connection->setService(service.getName());
     connection->clearProperties();
     connection->setConnectionProperty("Password", properties.password.c_str());
     connection->setConnectionProperty("DatabaseType", properties.databaseType.c_str());
-    return connection;
+    return connection.release();
   });
 }
 

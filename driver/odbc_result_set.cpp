@@ -57,17 +57,35 @@ OdbcResultSet::OdbcResultSet(Statement& statement) : ResultSet(statement) {}
 
 OdbcResultSet::~OdbcResultSet() = default;
 
-OdbcStatement& OdbcResultSet::odbcStatement() const {
+OdbcStatement& OdbcResultSet::checkStatement() const {
   // OdbcStatement is final, so that its exact type is all a checked cast would look for.
   Statement& statement = getStatement();
   if (typeid(statement) != typeid(OdbcStatement)) throw std::bad_cast();
-  return static_cast<OdbcStatement&>(statement);
+  checked_ = static_cast<OdbcStatement*>(&statement);
+  return *checked_;
 }
 
 ResultCode OdbcResultSet::failWithDiagnostic(const char* key) const {
   ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
   LogServiceImpl::log(key, stmt == nullptr ? "" : getOdbcError(stmt).c_str());
   return kFailure;
+}
+
+// Out of the way of the columns that can be read.
+[[gnu::cold]] ResultCode OdbcResultSet::failMissing(int index, bool isReadable) {
+  ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
+  const bool hasRecord = isReadable && stmt != nullptr;
+  return failColumn(keys::kGettingColumnValue, index, hasRecord ? getOdbcError(stmt).c_str() : "");
+}
+
+[[gnu::cold]] ResultCode OdbcResultSet::failRead(int index, ReadResult result) {
+  if (result.outcome == ReadResult::kUnparsable) {
+    LogServiceImpl::log(keys::kParsingColumnValue, LogServiceImpl::toString<int>(index).c_str());
+    return kFailure;
+  }
+  const std::string diagnostic = getOdbcError(odbcStatement().getStmt()->GetColumn(index));
+  const bool explain = diagnostic.empty() && result.reason != nullptr;
+  return failColumn(keys::kGettingColumnValue, index, explain ? result.reason : diagnostic.c_str());
 }
 
 ResultCode OdbcResultSet::close() {
@@ -119,19 +137,37 @@ ResultCode OdbcResultSet::getColumnInfo(int index, std::string& name, unsigned i
   return result == kSuccess ? getColumnType(index, type) : result;
 }
 
+// What getColumn gives for a column that can be read; false leaves the column, and the telling why,
+// to that one. A reader leaves nothing behind that would change the second reading.
+[[gnu::always_inline]] inline bool OdbcResultSet::readAtOnce(int index, unsigned int type,
+                                                             DataValue& value) {
+  const ColumnReader reader = findColumnReader(type, odbcStatement().transfersSafely());
+  const ODBC::CellContent* column = findColumn(index);
+  if (reader == nullptr || column == nullptr) return false;
+  const ReadResult result = reader(*column, type, value);
+  value.null = result.outcome == ReadResult::kNull ? 1 : 0;
+  return result.outcome <= ReadResult::kNull;
+}
+
 ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
   row = nullptr;
   return guarded(kFailure, [&] {
     auto built = std::make_unique<Row>();
     const int columns = descriptor.getNumColumns();
+    // Columns are read with getColumn, which a derived class may replace. Here nobody has.
+    const bool atOnce = typeid(*this) == typeid(OdbcResultSet);
     for (int i = 0; i < columns; ++i) {
       DataValue cell;
       cell.setNull();
       const unsigned int type = descriptor.getColumnType(i);
-      const ResultCode result = getColumn(i + 1, type, cell);
-      if (result != kSuccess) {
-        LogServiceImpl::log(keys::kRowSkipped);
-        return result;
+      if (!atOnce || !readAtOnce(i + 1, type, cell)) {
+        cell = DataValue();
+        cell.setNull();
+        const ResultCode result = getColumn(i + 1, type, cell);
+        if (result != kSuccess) {
+          LogServiceImpl::log(keys::kRowSkipped);
+          return result;
+        }
       }
       addColumn(*built, type, cell);
     }
@@ -147,34 +183,13 @@ ResultCode OdbcResultSet::getColumn(int index, unsigned int type, DataValue& val
 
 ResultCode OdbcResultSet::readColumn(int index, unsigned int type, DataValue& value) {
   return guarded(kFailure, [&] {
-    OdbcStatement& statement = odbcStatement();
-    const ColumnReader reader = findColumnReader(type, statement.transfersSafely());
-    ODBC::OdbcStmt* stmt = statement.getStmt();
-    if (reader == nullptr || stmt == nullptr)
-      return failColumn(keys::kGettingColumnValue, index, "");
-    ODBC::OdbcCol* column = stmt->GetColumn(index);
-    if (column == nullptr) {
-      return failColumn(keys::kGettingColumnValue, index, getOdbcError(stmt).c_str());
-    }
+    const ColumnReader reader = findColumnReader(type, odbcStatement().transfersSafely());
+    const ODBC::CellContent* column = findColumn(index);
+    if (reader == nullptr || column == nullptr) return failMissing(index, reader != nullptr);
     const ReadResult result = reader(*column, type, value);
-    switch (result.outcome) {
-      case ReadResult::kValue:
-        value.null = 0;
-        return kSuccess;
-      case ReadResult::kNull:
-        value.setNull();
-        return kSuccess;
-      case ReadResult::kUnparsable:
-        LogServiceImpl::log(keys::kParsingColumnValue,
-                            LogServiceImpl::toString<int>(index).c_str());
-        return kFailure;
-      case ReadResult::kFailed:
-        break;
-    }
-    const std::string diagnostic = getOdbcError(column);
-    const bool explain = diagnostic.empty() && result.reason != nullptr;
-    return failColumn(keys::kGettingColumnValue, index,
-                      explain ? result.reason : diagnostic.c_str());
+    if (result.outcome > ReadResult::kNull) return failRead(index, result);
+    value.null = result.outcome == ReadResult::kNull ? 1 : 0;
+    return kSuccess;
   });
 }
 

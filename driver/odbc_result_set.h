@@ -1,13 +1,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "driver/odbc_statement.h"
+#include "driver/reader_table.h"
 #include "host/result_set.h"
+#include "odbc/cell_content.h"
 #include "odbc/odbc_col.h"
 
 namespace KORVEX::Zel::DB {
-
-class OdbcStatement;
 
 // The rows of an executed first-generation statement. Every operation returns 1 or 3; failures are
 // logged. Column indexes count from 1. Nothing throws, next() on a foreign statement apart.
@@ -47,10 +49,31 @@ class OdbcResultSet : public ResultSet {
 
  private:
   // The statement the rows come from; throws std::bad_cast when it is a foreign one.
-  OdbcStatement& odbcStatement() const;
+  OdbcStatement& odbcStatement() const {
+    return checked_ != nullptr ? *checked_ : checkStatement();
+  }
+  OdbcStatement& checkStatement() const;
   // Reads a column with the reader of its type's family.
   ResultCode readColumn(int index, unsigned int type, DataTypes::DataValue& value);
   ResultCode failWithDiagnostic(const char* key) const;
+
+  // Null before the first row, behind the last column and without a statement.
+  const ODBC::CellContent* findColumn(int index) {
+    const auto at = static_cast<std::size_t>(index);  // a negative one lies behind every column
+    return hasContents() && at < contents_->size() ? (*contents_)[at] : nullptr;
+  }
+  bool hasContents() {
+    ODBC::OdbcStmt* stmt = odbcStatement().getStmt();
+    if (stmt != nullptr && contents_ == nullptr) contents_ = &stmt->Contents();
+    return stmt != nullptr;
+  }
+  bool readAtOnce(int index, unsigned int type, DataTypes::DataValue& value);
+  ResultCode failMissing(int index, bool isReadable);
+  ResultCode failRead(int index, ReadResult result);
+
+  // The list of columns that the ODBC statement keeps; asked for once.
+  const std::vector<const ODBC::CellContent*>* contents_ = nullptr;
+  mutable OdbcStatement* checked_ = nullptr;  // the statement, once its type has been looked at
 };
 
 }  // namespace KORVEX::Zel::DB

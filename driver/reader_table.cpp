@@ -4,17 +4,18 @@
 #include <sqlext.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <span>
 #include <string>
 #include <string_view>
 
 #include "datatypes/data_types.h"
+#include "datatypes/short_number.h"
 #include "driver/column_number.h"
 #include "driver/date_time_column.h"
-#include "driver/family_places.h"
+#include "odbc/cell_readers.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -22,22 +23,18 @@ namespace {
 
 using DataTypes::DataValue;
 using DataTypes::TypeFamily;
+using ODBC::CellContent;
 using ODBC::Odbc;
-using ODBC::OdbcCol;
-
-short cTypeOf(OdbcCol& column) {
-  short cType = 0;
-  int length = 0;
-  column.GetCType(cType, length);
-  return cType;
-}
 
 // The bytes of a text, binary or structure column where they lie; a text has its NUL behind it.
-ReadResult readBytes(OdbcCol& column, std::string_view& bytes) {
-  std::span<const unsigned char> span;
-  const ReadResult result = readResultOf(column.GetBytes(span));
-  bytes = {reinterpret_cast<const char*>(span.data()), span.size()};
-  return result;
+ReadResult readBytes(const CellContent& column, std::string_view& bytes) {
+  if (column.isNull()) return {ReadResult::kNull};
+  bytes = {column.buffer.Text(), column.buffer.Length()};
+  return {ReadResult::kValue};
+}
+
+bool comesAsBytes(const CellContent& column) {
+  return column.cType == SQL_C_CHAR || column.cType == SQL_C_BINARY;
 }
 
 // A malloc'ed copy with a NUL behind it, also of no bytes at all; null when there is no memory.
@@ -52,21 +49,20 @@ char* copyBytes(std::string_view bytes) {
 constexpr ReadResult kOutOfMemory = {ReadResult::kFailed, "not enough memory for the value"};
 
 template <auto Member, typename Value>
-ReadResult readWith(OdbcCol& column, unsigned int, DataValue& cell) {
+ReadResult readWith(const CellContent& column, unsigned int, DataValue& cell) {
   Value value{};
-  const ReadResult result = readResultOf(column.GetData(value));
+  const ReadResult result = readResultOf(ODBC::readCell(column, value));
   if (result.outcome == ReadResult::kValue) cell.*Member = value;
   return result;
 }
 
 // 64-bit integers come from their own C type, from any other numeric one when the number fits, and
 // from text.
-ReadResult readInt64(OdbcCol& column, unsigned int, DataValue& cell) {
+ReadResult readInt64(const CellContent& column, unsigned int, DataValue& cell) {
   long value = 0;
   Odbc::e_Status status = Odbc::e_Error;
-  const short cType = cTypeOf(column);
-  if (cType == SQL_C_SBIGINT || cType == SQL_C_CHAR) {
-    status = column.GetData(value);
+  if (column.cType == SQL_C_SBIGINT || column.cType == SQL_C_CHAR) {
+    status = ODBC::readCell(column, value);
   } else {
     ColumnNumber number;
     status = readColumnNumber(column, number);
@@ -78,12 +74,11 @@ ReadResult readInt64(OdbcCol& column, unsigned int, DataValue& cell) {
   return readResultOf(status);
 }
 
-ReadResult readDouble(OdbcCol& column, unsigned int, DataValue& cell) {
+ReadResult readDouble(const CellContent& column, unsigned int, DataValue& cell) {
   double value = 0;
   Odbc::e_Status status = Odbc::e_Error;
-  const short cType = cTypeOf(column);
-  if (cType == SQL_C_DOUBLE || cType == SQL_C_CHAR) {
-    status = column.GetData(value);
+  if (column.cType == SQL_C_DOUBLE || column.cType == SQL_C_CHAR) {
+    status = ODBC::readCell(column, value);
   } else {
     ColumnNumber number;
     status = readColumnNumber(column, number);
@@ -95,11 +90,10 @@ ReadResult readDouble(OdbcCol& column, unsigned int, DataValue& cell) {
 
 // The column as text: characters as they are, numbers and date structures formatted. `plainNumbers`
 // keeps exponents out of the text.
-ReadResult readAsText(OdbcCol& column, bool plainNumbers, std::string& formatted,
+ReadResult readAsText(const CellContent& column, bool plainNumbers, std::string& formatted,
                       std::string_view& text) {
-  const short cType = cTypeOf(column);
-  if (cType == SQL_C_CHAR || cType == SQL_C_BINARY) return readBytes(column, text);
-  if (cType == SQL_C_TYPE_TIMESTAMP || cType == SQL_C_TYPE_TIME) {
+  if (comesAsBytes(column)) return readBytes(column, text);
+  if (column.cType == SQL_C_TYPE_TIMESTAMP || column.cType == SQL_C_TYPE_TIME) {
     const ReadResult result = readDateTimeText(column, formatted);
     text = formatted;
     return result;
@@ -111,18 +105,28 @@ ReadResult readAsText(OdbcCol& column, bool plainNumbers, std::string& formatted
   return readResultOf(status);
 }
 
-ReadResult readString(OdbcCol& column, unsigned int, DataValue& cell) {
-  std::string formatted;
-  std::string_view text;
-  const ReadResult result = readAsText(column, false, formatted, text);
-  if (result.outcome != ReadResult::kValue) return result;
+ReadResult copyText(std::string_view text, DataValue& cell) {
   char* copy = copyBytes(text);
   if (copy == nullptr) return kOutOfMemory;
   cell.string = copy;
-  return result;
+  return {ReadResult::kValue};
 }
 
-ReadResult readBinary(OdbcCol& column, unsigned int, DataValue& cell) {
+ReadResult readFormatted(const CellContent& column, DataValue& cell) {
+  std::string formatted;
+  std::string_view text;
+  const ReadResult result = readAsText(column, false, formatted, text);
+  return result.outcome == ReadResult::kValue ? copyText(text, cell) : result;
+}
+
+ReadResult readString(const CellContent& column, unsigned int, DataValue& cell) {
+  if (!comesAsBytes(column)) return readFormatted(column, cell);
+  std::string_view text;
+  const ReadResult result = readBytes(column, text);
+  return result.outcome == ReadResult::kValue ? copyText(text, cell) : result;
+}
+
+ReadResult readBinary(const CellContent& column, unsigned int, DataValue& cell) {
   std::string_view bytes;
   const ReadResult result = readBytes(column, bytes);
   if (result.outcome != ReadResult::kValue) return result;
@@ -134,19 +138,16 @@ ReadResult readBinary(OdbcCol& column, unsigned int, DataValue& cell) {
 
 // The code to parse a text as: a decimal without precision takes it from a decimal column, and from
 // the digits of the text itself otherwise.
-unsigned int parsedType(OdbcCol& column, unsigned int type, std::string_view text) {
+unsigned int parsedType(const CellContent& column, unsigned int type, std::string_view text) {
   if (DataTypes::typeNumber(type) != DataTypes::kFixedDecimal ||
       DataTypes::precisionOf(type) != 0) {
     return type;
   }
   constexpr int kMaxPrecision = DataTypes::kMaxDecimalPrecision;
-  short sqlType = 0;
-  unsigned int size = 0;
-  short digits = 0;
-  column.GetSqlType(sqlType, size, digits);
-  if (sqlType == SQL_DECIMAL || sqlType == SQL_NUMERIC) {
-    const int precision = static_cast<int>(std::min<unsigned>(size, kMaxPrecision));
-    return DataTypes::createFixedDecimal(precision, std::clamp<int>(digits, 0, precision));
+  if (column.sqlType == SQL_DECIMAL || column.sqlType == SQL_NUMERIC) {
+    const int precision = static_cast<int>(std::min<unsigned>(column.columnSize, kMaxPrecision));
+    return DataTypes::createFixedDecimal(precision,
+                                         std::clamp<int>(column.decimalDigits, 0, precision));
   }
   const std::size_t point = text.find_first_of(".,");
   const std::size_t scale = point == std::string_view::npos ? 0 : text.size() - point - 1;
@@ -155,7 +156,7 @@ unsigned int parsedType(OdbcCol& column, unsigned int type, std::string_view tex
 }
 
 // Parses the column's text as the type.
-ReadResult readParsed(OdbcCol& column, unsigned int type, DataValue& cell) {
+ReadResult readParsed(const CellContent& column, unsigned int type, DataValue& cell) {
   std::string formatted;
   std::string_view text;
   const ReadResult result = readAsText(column, true, formatted, text);
@@ -170,6 +171,17 @@ ReadResult readParsed(OdbcCol& column, unsigned int type, DataValue& cell) {
   }
   cell = parsed;
   return result;
+}
+
+// The usual decimal straight from the column's text; every other text goes the general way.
+ReadResult readDecimal(const CellContent& column, unsigned int type, DataValue& cell) {
+  const bool isText = column.cType == SQL_C_CHAR && !column.isNull();
+  if (isText && column.buffer.Capacity() >= DataTypes::kShortNumberRoom &&
+      DataTypes::readShortDecimal(column.buffer.Text(), column.buffer.Length(), type,
+                                  cell.decimal)) {
+    return {ReadResult::kValue};
+  }
+  return readParsed(column, type, cell);
 }
 
 struct ReaderRow {
@@ -191,11 +203,9 @@ constexpr ReaderRow kReaders[] = {
     {TypeFamily::kInterval, readInt64},
     {TypeFamily::kBigDateTime, readDateTime, readDateTimeUtc},
     {TypeFamily::kTime, readTime},
-    {TypeFamily::kFixedDecimal, readParsed},
+    {TypeFamily::kFixedDecimal, readDecimal},
     {TypeFamily::kBinary, readBinary},
 };
-
-constexpr auto kPlaces = familyPlaces(kReaders);
 
 }  // namespace
 
@@ -204,10 +214,14 @@ ReadResult readResultOf(Odbc::e_Status status) {
   return {status == Odbc::e_Null ? ReadResult::kNull : ReadResult::kFailed};
 }
 
-ColumnReader findColumnReader(unsigned int type, bool safely) {
-  const std::size_t at = kPlaces[static_cast<std::size_t>(DataTypes::familyOf(type))];
-  if (at == std::size(kReaders)) return nullptr;
-  return safely ? kReaders[at].readSafely : kReaders[at].read;
-}
+constexpr std::array<TypeReaders, DataTypes::kTypeCount> kColumnReaders = [] {
+  std::array<TypeReaders, DataTypes::kTypeCount> readers{};
+  for (unsigned type = 0; type < DataTypes::kTypeCount; ++type) {
+    for (const ReaderRow& row : kReaders) {
+      if (row.family == DataTypes::familyOf(type)) readers[type] = {row.read, row.readSafely};
+    }
+  }
+  return readers;
+}();
 
 }  // namespace KORVEX::Zel::DB

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <array>
+
 #include "datatypes/data_value.h"
-#include "odbc/odbc_col.h"
+#include "datatypes/type_code.h"
+#include "odbc/cell_content.h"
+#include "odbc/odbc.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -25,11 +29,22 @@ ReadResult readResultOf(ODBC::Odbc::e_Status status);
 // Reads the current value of a column as the given type into `value`; for strings and bytes the
 // cell receives a malloc'ed buffer that belongs to the caller. The null flag is the caller's to
 // set.
-using ColumnReader = ReadResult (*)(ODBC::OdbcCol& column, unsigned int type,
+using ColumnReader = ReadResult (*)(const ODBC::CellContent& column, unsigned int type,
                                     DataTypes::DataValue& value);
+
+// The readers of each type number; null for numbers that cannot be read.
+struct TypeReaders {
+  ColumnReader plain = nullptr;
+  ColumnReader safe = nullptr;
+};
+extern const std::array<TypeReaders, DataTypes::kTypeCount> kColumnReaders;
 
 // The reader for a type code (its low 8 bits count), or null for a code that cannot be read. Read
 // safely, dates before 1970 are right in every time zone.
-ColumnReader findColumnReader(unsigned int type, bool safely);
+inline ColumnReader findColumnReader(unsigned int type, bool safely) {
+  const unsigned number = DataTypes::typeNumber(type);
+  if (number >= kColumnReaders.size()) return nullptr;
+  return safely ? kColumnReaders[number].safe : kColumnReaders[number].plain;
+}
 
 }  // namespace KORVEX::Zel::DB

@@ -8,8 +8,9 @@ namespace KORVEX::Zel::DB {
 
 // Runs the body of an operation that the server calls and turns any exception (in practice: no
 // memory left) into `failure`. The server's code is not built to catch what this library throws.
+// Inlined by force, here and below: operations that are called for each value stand in it.
 template <typename Result, typename Body>
-Result guarded(Result failure, Body&& body) noexcept {
+[[gnu::always_inline]] inline Result guarded(Result failure, Body&& body) noexcept {
   try {
     return std::forward<Body>(body)();
   } catch (...) {
@@ -21,7 +22,7 @@ namespace ODBC {
 
 // The same for the second generation: -1, and the error record says why.
 template <typename Body>
-int guardedAccess(DBError* error, Body&& body) noexcept {
+[[gnu::always_inline]] inline int guardedAccess(DBError* error, Body&& body) noexcept {
   try {
     return std::forward<Body>(body)();
   } catch (...) {

@@ -1,12 +1,11 @@
 #include "driver2/parameter_conversion.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 
 #include "datatypes/data_types.h"
 #include "driver2/db_error2_odbc.h"
+#include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -25,10 +24,9 @@ std::int64_t loadInt64(const void* value) {
   return number;
 }
 
-template <long UnitsPerSecond, unsigned int NanosPerUnit>
-int convertDate(const void* value, unsigned int, ParameterScratch& scratch, BoundValue& bound,
+int convertDate(const void* value, unsigned int type, ParameterScratch& scratch, BoundValue& bound,
                 DBError* error) {
-  if (!makeTimestamp(loadInt64(value), UnitsPerSecond, NanosPerUnit, scratch.timestamp)) {
+  if (!makeTimestamp(loadInt64(value), *dateUnitOf(type), scratch.timestamp)) {
     return failAccess(error, "error converting date");
   }
   bound = {&scratch.timestamp, sizeof scratch.timestamp};
@@ -75,23 +73,20 @@ struct ConversionRow {
 
 // Every other family is bound where its value lies.
 constexpr ConversionRow kConversions[] = {
-    {TypeFamily::kDate, convertDate<1, 0>},
-    {TypeFamily::kTimestamp, convertDate<1000, 1'000'000>},
-    {TypeFamily::kBigDateTime, convertDate<1'000'000, 1000>},
-    {TypeFamily::kTime, convertTime},
-    {TypeFamily::kString, convertString},
-    {TypeFamily::kMoney, convertText},
-    {TypeFamily::kFixedDecimal, convertText},
-    {TypeFamily::kBinary, convertBinary},
+    {TypeFamily::kDate, convertDate},         {TypeFamily::kTimestamp, convertDate},
+    {TypeFamily::kBigDateTime, convertDate},  {TypeFamily::kTime, convertTime},
+    {TypeFamily::kString, convertString},     {TypeFamily::kMoney, convertText},
+    {TypeFamily::kFixedDecimal, convertText}, {TypeFamily::kBinary, convertBinary},
 };
+
+constexpr auto kConversionOfType = rowsByType(kConversions);
 
 }  // namespace
 
 int convertParameter(const void* value, unsigned int type, ParameterScratch& scratch,
                      BoundValue& bound, DBError* error) {
-  const auto* row =
-      std::ranges::find(kConversions, DataTypes::familyOf(type), &ConversionRow::family);
-  if (row != std::end(kConversions)) return row->convert(value, type, scratch, bound, error);
+  const ConversionRow* row = rowOf(kConversionOfType, type);
+  if (row != nullptr) return row->convert(value, type, scratch, bound, error);
   bound = {odbcData(value), 0};
   return 0;
 }

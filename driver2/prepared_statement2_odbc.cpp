@@ -102,6 +102,8 @@ int PreparedStatement2Odbc::describeColumns(std::size_t count, DBError* error) {
   columns_.resize(count);
   columnNames_.resize(count);
   columnLengths_.assign(count, 0);
+  columnValues_.assign(count, nullptr);
+  columnBlocks_.reserve(count);
   columnOffsets_.assign(count + 1, 0);
   std::vector<SQLCHAR> name(kNameBytes + 1);
   for (std::size_t i = 0; i < count; ++i) {
@@ -115,8 +117,13 @@ void PreparedStatement2Odbc::addColumn(unsigned int type, SQLSMALLINT fetchAs) {
   const unsigned int bytes =
       number < DataTypes::kTypeCount ? DataTypes::g_column_lengths[number] : 0;
   columnTypes_.push_back(type);
-  plans_.push_back({policy_.routineFor(fetchAs), static_cast<int>(bytes),
-                    number == DataTypes::kString, number == DataTypes::kBinary});
+  plans_.push_back({.routine = policy_.routineFor(fetchAs),
+                    .bufferBytes = static_cast<int>(bytes),
+                    .isText = number == DataTypes::kString,
+                    .isBinary = number == DataTypes::kBinary,
+                    .isDecimal = number == DataTypes::kFixedDecimal,
+                    .dateUnit = dateUnitOf(type),
+                    .inPlaceAs = isFetchedInPlace(fetchAs) ? fetchAs : SQLSMALLINT{0}});
   columnBuffers_.push_back(nullptr);
   if (bytes == 0) return;
   columnBuffers_.back() = std::calloc(1, bytes);

@@ -10,8 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "datatypes/short_number.h"
 #include "driver2/malloc_block.h"
 #include "driver2/parameter_conversion.h"
+#include "driver2/timestamp_structure.h"
 #include "driver2/transfer_policy.h"
 #include "driver2/transfer_tables.h"
 #include "host/prepared_statement.h"
@@ -85,6 +87,11 @@ class PreparedStatement2Odbc final : public PreparedStatement {
     int bufferBytes;       // of a value of fixed size; 0 for texts and bytes, which come in blocks
     bool isText;
     bool isBinary;
+    bool isDecimal;
+    const DateUnit* dateUnit;  // null for a type that is no date
+    // The C type of a value that one call puts where it belongs, or 0. Its routine does just that
+    // call, which is then made without the routine.
+    SQLSMALLINT inPlaceAs;
 
     bool comesInBlock() const { return isText || isBinary; }
   };
@@ -109,18 +116,23 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   int closeCursor(DBError* error);
   int run(DBError* error);
   SQLRETURN getData(std::size_t column, SQLSMALLINT cType, void* destination, SQLLEN size,
-                    SQLLEN& indicator);
+                    SQLLEN& indicator) {
+    return SQLGetData(stmt_, static_cast<SQLUSMALLINT>(column + 1), cType, destination, size,
+                      &indicator);
+  }
+  bool parseShortNumber(std::size_t column, const char* text, SQLLEN reported, SQLLEN textBytes,
+                        void* destination, int& length) const;
   int parseNumber(std::size_t column, const char* text, void* destination, int& length,
                   DBError* error) const;
   int readWhole(std::size_t column, SQLSMALLINT cType, std::size_t headBytes, WholeValue& value,
                 DBError* error);
   int getFixed(std::size_t column, SQLSMALLINT cType, void* destination, int& length,
                DBError* error);
-  int fetchIntoCell(std::size_t column, DataTypes::DataValue& cell, DBError* error);
+  int fetchValue(std::size_t column, const ColumnPlan& plan, void* destination, int& length,
+                 DBError* error);
   int fetchBytesIntoCell(std::size_t column, DataTypes::DataValue& cell, int& length,
                          DBError* error);
-  RowInternal2* packValues(const std::vector<const void*>& values, std::size_t totalBytes,
-                           DBError* error);
+  RowInternal2* packValues(std::size_t totalBytes, DBError* error);
 
   std::string sql_;
   SQLHSTMT stmt_ = SQL_NULL_HSTMT;
@@ -132,12 +144,31 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   std::vector<unsigned int> columnTypes_;  // and a 0 behind the last
   std::vector<void*> columnBuffers_;       // from malloc, of g_column_lengths bytes; or null
   std::vector<int> columnLengths_;
-  std::vector<int> columnOffsets_;  // and the end of the data behind the last
-  bool bound_ = false;              // parameters are bound, or a result may be open
-  int resultSet_ = 0;               // -1 after an execution: no result set opened yet
-  bool executed_ = false;           // a cursor may be open
+  std::vector<int> columnOffsets_;         // and the end of the data behind the last
+  std::vector<const void*> columnValues_;  // of the row being packed
+  std::vector<MallocBlock> columnBlocks_;  // its texts and bytes
+  bool bound_ = false;                     // parameters are bound, or a result may be open
+  int resultSet_ = 0;                      // -1 after an execution: no result set opened yet
+  bool executed_ = false;                  // a cursor may be open
   const TransferPolicy& policy_;
   std::vector<ParameterScratch> scratch_;  // one for all parameters, or one each
 };
+
+// The usual decimal, without the checks and messages of the general parser; false leaves the text
+// to that one. A driver that reports too long a text is found out by the NUL within it, which is no
+// digit, and one that reports too short a text by the character behind.
+inline bool PreparedStatement2Odbc::parseShortNumber(std::size_t column, const char* text,
+                                                     SQLLEN reported, SQLLEN textBytes,
+                                                     void* destination, int& length) const {
+  if (!plans_[column].isDecimal || reported < 0 || reported >= textBytes) return false;
+  const auto bytes = static_cast<std::size_t>(reported);
+  auto& value = *static_cast<DataTypes::FixedDecimalValue*>(destination);
+  if (text[bytes] != '\0' ||
+      !DataTypes::readShortDecimal(text, bytes, columnTypes_[column], value)) {
+    return false;
+  }
+  length = sizeof value;
+  return true;
+}
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "datatypes/data_types.h"
+#include "datatypes/short_number.h"
 #include "driver2/boundary.h"
 #include "driver2/db_error2_odbc.h"
 #include "driver2/malloc_block.h"
@@ -23,34 +24,25 @@ namespace {
 
 constexpr char kNoMemory[] = "memory allocation";
 constexpr std::size_t kTableEndGap = 4;  // between the offset table and the first value
+// Empties a list of blocks when the row that they belong to is done.
+struct BlockKeeper {
+  explicit BlockKeeper(std::vector<MallocBlock>& kept) : blocks(kept) {}
+  ~BlockKeeper() { blocks.clear(); }
+  BlockKeeper(const BlockKeeper&) = delete;
+  BlockKeeper& operator=(const BlockKeeper&) = delete;
+  std::vector<MallocBlock>& blocks;
+};
 
-std::int64_t timestampCount(const TIMESTAMP_STRUCT& t, unsigned int type,
-                            long (*secondsOf)(const tm*)) {
-  if (DataTypes::typeNumber(type) == DataTypes::kTime) {
-    return t.hour * 3600 + t.minute * 60 + t.second;
-  }
-  const tm time = brokenDown(t);
-  const std::int64_t seconds = secondsOf(&time);
-  switch (DataTypes::typeNumber(type)) {
-    case DataTypes::kTimestamp:
-      return seconds * 1000 + t.fraction / 1'000'000;
-    case DataTypes::kBigDateTime:
-      return seconds * 1'000'000 + t.fraction / 1000;
-    default:
-      return seconds;
-  }
-}
+constexpr long kSecondsPerMinute = 60;
+constexpr long kSecondsPerHour = 3600;
 
 }  // namespace
 
-SQLRETURN PreparedStatement2Odbc::getData(std::size_t column, SQLSMALLINT cType, void* destination,
-                                          SQLLEN size, SQLLEN& indicator) {
-  return SQLGetData(stmt_, static_cast<SQLUSMALLINT>(column + 1), cType, destination, size,
-                    &indicator);
-}
-
-int PreparedStatement2Odbc::getFixed(std::size_t column, SQLSMALLINT cType, void* destination,
-                                     int& length, DBError* error) {
+// Inlined by force: it is all that most columns need, and a call around a call costs as much again.
+[[gnu::always_inline]] inline int PreparedStatement2Odbc::getFixed(std::size_t column,
+                                                                   SQLSMALLINT cType,
+                                                                   void* destination, int& length,
+                                                                   DBError* error) {
   SQLLEN indicator = 0;
   const SQLRETURN rc = getData(column, cType, destination, length, indicator);
   if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
@@ -99,7 +91,11 @@ int PreparedStatement2Odbc::getDataColumn<SQL_C_TYPE_TIMESTAMP>(std::size_t colu
   if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
   length = SQL_NULL_DATA;
   if (indicator == SQL_NULL_DATA) return 0;
-  const std::int64_t count = timestampCount(timestamp, columnTypes_[column], policy_.secondsOf);
+  const DateUnit* unit = plans_[column].dateUnit;
+  const std::int64_t count = unit != nullptr
+                                 ? countOfTimestamp(timestamp, *unit, policy_.secondsOf)
+                                 : timestamp.hour * kSecondsPerHour +
+                                       timestamp.minute * kSecondsPerMinute + timestamp.second;
   std::memcpy(destination, &count, sizeof count);
   length = sizeof count;
   return 0;
@@ -113,8 +109,8 @@ int PreparedStatement2Odbc::getDataColumn<SQL_C_TYPE_DATE>(std::size_t column, v
   if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
   length = SQL_NULL_DATA;
   if (glen == SQL_NULL_DATA) return 0;
-  const tm time = brokenDown({date.year, date.month, date.day, 0, 0, 0, 0});
-  const std::int64_t seconds = policy_.secondsOf(&time);
+  const std::int64_t seconds =
+      secondsOfTimestamp({date.year, date.month, date.day, 0, 0, 0, 0}, policy_.secondsOf);
   std::memcpy(destination, &seconds, sizeof seconds);
   length = sizeof seconds;
   return 0;
@@ -125,12 +121,16 @@ template <>
 int PreparedStatement2Odbc::getDataColumn<kNumericText>(std::size_t column, void* destination,
                                                         int& length, DBError* error) {
   constexpr SQLLEN kTextBytes = 32;
-  char text[kTextBytes + 1] = {};
+  static_assert(kTextBytes >= DataTypes::kShortNumberRoom);
+  char text[kTextBytes + 1];
+  text[0] = 0;
+  text[kTextBytes] = 0;
   SQLLEN indicator = 0;
   const SQLRETURN rc = getData(column, SQL_C_CHAR, text, kTextBytes, indicator);
   if (rc != SQL_SUCCESS) return check(rc, error);
   length = SQL_NULL_DATA;
   if (indicator == SQL_NULL_DATA) return 0;
+  if (parseShortNumber(column, text, indicator, kTextBytes, destination, length)) return 0;
   return parseNumber(column, text, destination, length, error);
 }
 
@@ -217,7 +217,7 @@ int PreparedStatement2Odbc::nextResultSet(bool& more, DBError* error) {
 
 int PreparedStatement2Odbc::hasMoreData(bool& more, DBError* error) {
   const SQLRETURN rc = SQLFetch(stmt_);
-  if (rc != SQL_NO_DATA && check(rc, error) != 0) return -1;
+  if (rc != SQL_SUCCESS && rc != SQL_NO_DATA && check(rc, error) != 0) return -1;
   more = rc != SQL_NO_DATA;
   return 0;
 }
@@ -241,34 +241,40 @@ int PreparedStatement2Odbc::fetchBytesIntoCell(std::size_t column, DataValue& ce
   return 0;
 }
 
-// Routines write at the start of the cell, where the payload is.
-int PreparedStatement2Odbc::fetchIntoCell(std::size_t column, DataValue& cell, DBError* error) {
-  const ColumnPlan& plan = plans_[column];
-  int length = plan.bufferBytes;
-  const int result = plan.isBinary ? fetchBytesIntoCell(column, cell, length, error)
-                                   : (this->*plan.routine)(column, &cell, length, error);
-  if (result != 0) return -1;
-  if (length == SQL_NULL_DATA) {
-    cell.setNull();
-  } else if (policy_.nullFlagsCount) {
-    cell.null = 0;
-  }
-  return 0;
+// Fetches a column through its routine; what lies at the destination in one call needs none.
+[[gnu::always_inline]] inline int PreparedStatement2Odbc::fetchValue(std::size_t column,
+                                                                     const ColumnPlan& plan,
+                                                                     void* destination, int& length,
+                                                                     DBError* error) {
+  return plan.inPlaceAs != 0 ? getFixed(column, plan.inPlaceAs, destination, length, error)
+                             : (this->*plan.routine)(column, destination, length, error);
 }
 
 int PreparedStatement2Odbc::nextRow(std::vector<DataValue>& row, DBError* error) {
   return guardedAccess(error, [&] {
     if (resultSet_ < 0) return failAccess(error, "no data");
     if (row.size() != columns_.size()) return failAccess(error, "invalid column count");
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (plans_[i].routine != nullptr && fetchIntoCell(i, row[i], error) != 0) return -1;
+    const bool clearsFlags = policy_.nullFlagsCount;
+    for (std::size_t i = 0; i < plans_.size(); ++i) {
+      const ColumnPlan& plan = plans_[i];
+      if (plan.routine == nullptr) continue;
+      // Routines write at the start of the cell, where the payload is.
+      DataValue& cell = row[i];
+      int length = plan.bufferBytes;
+      const int result = plan.isBinary ? fetchBytesIntoCell(i, cell, length, error)
+                                       : fetchValue(i, plan, &cell, length, error);
+      if (result != 0) return -1;
+      if (length == SQL_NULL_DATA) {
+        cell.setNull();
+      } else if (clearsFlags) {
+        cell.null = 0;
+      }
     }
     return 0;
   });
 }
 
-RowInternal2* PreparedStatement2Odbc::packValues(const std::vector<const void*>& values,
-                                                 std::size_t totalBytes, DBError* error) {
+RowInternal2* PreparedStatement2Odbc::packValues(std::size_t totalBytes, DBError* error) {
   if (totalBytes > INT_MAX) {
     failAccess(error, kNoMemory);  // offsets are 32-bit
     return nullptr;
@@ -281,14 +287,15 @@ RowInternal2* PreparedStatement2Odbc::packValues(const std::vector<const void*>&
   RowInternal2 header{};
   header.totalBytes = static_cast<std::uint32_t>(totalBytes);
   header.word4 = 1;
-  header.columns = static_cast<std::uint32_t>(values.size()) & RowInternal2::kColumnCountMask;
+  header.columns =
+      static_cast<std::uint32_t>(columnValues_.size()) & RowInternal2::kColumnCountMask;
   const std::size_t tableBytes = columnOffsets_.size() * sizeof columnOffsets_.front();
   std::memcpy(block.get(), &header, sizeof header);
   std::memcpy(block.get() + RowInternal2::kHeaderBytes, columnOffsets_.data(), tableBytes);
   std::memset(block.get() + RowInternal2::kHeaderBytes + tableBytes, 0, kTableEndGap);
-  for (std::size_t i = 0; i < values.size(); ++i) {
+  for (std::size_t i = 0; i < columnValues_.size(); ++i) {
     if (columnLengths_[i] <= 0) continue;
-    std::memcpy(block.get() + columnOffsets_[i], values[i],
+    std::memcpy(block.get() + columnOffsets_[i], columnValues_[i],
                 static_cast<std::size_t>(columnLengths_[i]));
   }
   return reinterpret_cast<RowInternal2*>(block.release());
@@ -299,8 +306,8 @@ const RowInternal2* PreparedStatement2Odbc::nextRow(DBError* error) {
   guardedAccess(error, [&] {
     if (resultSet_ < 0) return failAccess(error, "no data");
     const std::size_t count = columns_.size();
-    std::vector<MallocBlock> owned(count);
-    std::vector<const void*> values(count);
+    // Texts and bytes of this row; freed also when a later column fails.
+    const BlockKeeper keeper(columnBlocks_);
     std::size_t total =
         RowInternal2::kHeaderBytes + columnOffsets_.size() * sizeof(std::int32_t) + kTableEndGap;
     for (std::size_t i = 0; i < count; ++i) {
@@ -308,18 +315,18 @@ const RowInternal2* PreparedStatement2Odbc::nextRow(DBError* error) {
       unsigned char* block = nullptr;
       void* destination = plan.comesInBlock() ? static_cast<void*>(&block) : columnBuffers_[i];
       int length = plan.routine == nullptr ? SQL_NULL_DATA : plan.bufferBytes;
-      if (plan.routine != nullptr && (this->*plan.routine)(i, destination, length, error) != 0) {
+      if (plan.routine != nullptr && fetchValue(i, plan, destination, length, error) != 0) {
         return -1;
       }
-      owned[i].reset(block);
+      if (block != nullptr) columnBlocks_.emplace_back(block);  // reserved: cannot throw
       const bool null = length == SQL_NULL_DATA;
       columnLengths_[i] = null ? 0 : length;
       columnOffsets_[i] = null ? 0 : static_cast<int>(total);
-      values[i] = plan.comesInBlock() ? block : columnBuffers_[i];
+      columnValues_[i] = plan.comesInBlock() ? block : columnBuffers_[i];
       if (!null) total += static_cast<std::size_t>(length);
     }
     columnOffsets_[count] = static_cast<int>(total);
-    result = packValues(values, total, error);
+    result = packValues(total, error);
     return result == nullptr ? -1 : 0;
   });
   return result;

@@ -93,7 +93,9 @@ int PreparedStatement2Odbc::getWholeNumericText(std::size_t column, void* destin
   const SQLRETURN rc = getData(column, SQL_C_CHAR, text, kTextBytes, reported);
   if (rc != SQL_SUCCESS && check(rc, error) != 0) return -1;
   length = SQL_NULL_DATA;
-  return reported == SQL_NULL_DATA ? 0 : parseNumber(column, text, destination, length, error);
+  if (reported == SQL_NULL_DATA) return 0;
+  if (parseShortNumber(column, text, reported, kTextBytes, destination, length)) return 0;
+  return parseNumber(column, text, destination, length, error);
 }
 
 }  // namespace KORVEX::Zel::DB::ODBC

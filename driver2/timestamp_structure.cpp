@@ -1,16 +1,13 @@
 #include "driver2/timestamp_structure.h"
 
-#include "datatypes/calendar.h"
-
 namespace KORVEX::Zel::DB::ODBC {
 
-bool makeTimestamp(long count, long unitsPerSecond, unsigned int nanosPerUnit,
-                   TIMESTAMP_STRUCT& timestamp) {
+bool makeTimestamp(long count, const DateUnit& unit, TIMESTAMP_STRUCT& timestamp) {
   // Floor division: the remainder, and with it the fraction, is never negative.
-  long seconds = count / unitsPerSecond;
-  long remainder = count % unitsPerSecond;
+  long seconds = count / unit.perSecond;
+  long remainder = count % unit.perSecond;
   if (remainder < 0) {
-    remainder += unitsPerSecond;
+    remainder += unit.perSecond;
     --seconds;
   }
   std::tm time{};
@@ -21,11 +18,11 @@ bool makeTimestamp(long count, long unitsPerSecond, unsigned int nanosPerUnit,
                static_cast<SQLUSMALLINT>(time.tm_hour),
                static_cast<SQLUSMALLINT>(time.tm_min),
                static_cast<SQLUSMALLINT>(time.tm_sec),
-               static_cast<SQLUINTEGER>(remainder) * nanosPerUnit};
+               static_cast<SQLUINTEGER>(remainder) * unit.nanosPerUnit};
   return true;
 }
 
-std::tm brokenDown(const TIMESTAMP_STRUCT& timestamp) {
+long secondsOfPlain(const TIMESTAMP_STRUCT& timestamp, SecondsOf secondsOf) {
   std::tm time{};
   time.tm_year = timestamp.year - 1900;
   time.tm_mon = timestamp.month - 1;
@@ -33,7 +30,7 @@ std::tm brokenDown(const TIMESTAMP_STRUCT& timestamp) {
   time.tm_hour = timestamp.hour;
   time.tm_min = timestamp.minute;
   time.tm_sec = timestamp.second;
-  return time;
+  return secondsOf(&time);
 }
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -3,16 +3,62 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <cstdint>
 #include <ctime>
+
+#include "datatypes/calendar.h"
+#include "datatypes/type_code.h"
 
 namespace KORVEX::Zel::DB::ODBC {
 
-// A count of units since 1970-01-01 00:00:00 UTC as an ODBC timestamp. False, with `timestamp` left
-// alone, when the year cannot be expressed.
-bool makeTimestamp(long count, long unitsPerSecond, unsigned int nanosPerUnit,
-                   TIMESTAMP_STRUCT& timestamp);
+// How a date type counts since 1970-01-01 00:00:00 UTC.
+struct DateUnit {
+  unsigned int typeNumber;
+  long perSecond;
+  unsigned int nanosPerUnit;  // 0: the type has no fraction
+};
 
-// An ODBC timestamp as a broken-down time; the fraction is left out.
-std::tm brokenDown(const TIMESTAMP_STRUCT& timestamp);
+// The date types, for everything that binds or reads them.
+inline constexpr DateUnit kDateUnits[] = {
+    {DataTypes::kDate, 1, 0},
+    {DataTypes::kTimestamp, 1000, 1'000'000},
+    {DataTypes::kBigDateTime, 1'000'000, 1000},
+};
+
+// The unit of a type code (its low 8 bits count), or null for a type that is no date.
+constexpr const DateUnit* dateUnitOf(unsigned int typeCode) {
+  for (const DateUnit& unit : kDateUnits) {
+    if (unit.typeNumber == DataTypes::typeNumber(typeCode)) return &unit;
+  }
+  return nullptr;
+}
+
+// A count as an ODBC timestamp. False, with `timestamp` left alone, when the year cannot be
+// expressed.
+bool makeTimestamp(long count, const DateUnit& unit, TIMESTAMP_STRUCT& timestamp);
+
+// How seconds since the epoch are told from a broken-down time: tm2sec, or tm2secUtc.
+using SecondsOf = long (*)(const std::tm* time);
+
+// The seconds of an ODBC timestamp; its fraction is left out.
+long secondsOfPlain(const TIMESTAMP_STRUCT& timestamp, SecondsOf secondsOf);
+
+// The same, without a broken-down time where both functions count alike: from the first day of 1970
+// on, months within the year, no field is negative (those of the structure cannot be), so that no
+// zone, carry or error comes in.
+inline long secondsOfTimestamp(const TIMESTAMP_STRUCT& t, SecondsOf secondsOf) {
+  const bool usual = t.year >= 1970 && t.month - 1U < 12 && t.day >= 1;
+  if (!usual) return secondsOfPlain(t, secondsOf);
+  const long days = DataTypes::daysSince1970(static_cast<unsigned>(t.year), t.month, t.day);
+  return ((days * 24 + t.hour) * 60 + t.minute) * 60 + t.second;
+}
+
+// An ODBC timestamp as a count. Digits of the fraction beyond the unit are cut, not rounded.
+inline std::int64_t countOfTimestamp(const TIMESTAMP_STRUCT& timestamp, const DateUnit& unit,
+                                     SecondsOf secondsOf) {
+  const std::int64_t seconds = secondsOfTimestamp(timestamp, secondsOf);
+  if (unit.nanosPerUnit == 0) return seconds;
+  return seconds * unit.perSecond + timestamp.fraction / unit.nanosPerUnit;
+}
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -3,6 +3,7 @@
 #include <sqlext.h>
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "datatypes/data_types.h"
@@ -59,13 +60,17 @@ bool successOrNoRows(SQLRETURN rc) {
   return SQL_SUCCEEDED(rc) || rc == SQL_NO_DATA;
 }
 
-// Kept: a type without an entry (16-bit integers among them) is bound with C type 0.
+// The map of C types by type number. Kept: a type without an entry (16-bit integers among them) is
+// bound with C type 0.
+const auto kMappedCTypes = [] {
+  std::array<SQLSMALLINT, DataTypes::kTypeCount> cTypes{};
+  for (const auto& [number, cType] : Statement::s_zelToSqlTypeMap) cTypes[number] = cType;
+  return cTypes;
+}();
+
 SQLSMALLINT mappedCType(unsigned int typeCode) {
-  const auto& map = Statement::s_zelToSqlTypeMap;
-  using Entry = std::remove_cvref_t<decltype(map)>::value_type;
   const unsigned int number = DataTypes::typeNumber(typeCode);
-  const auto entry = std::ranges::lower_bound(map, number, {}, &Entry::first);
-  return entry != map.end() && entry->first == number ? entry->second : SQLSMALLINT{0};
+  return number < kMappedCTypes.size() ? kMappedCTypes[number] : SQLSMALLINT{0};
 }
 
 SQLSMALLINT everyCType(unsigned int typeCode) {

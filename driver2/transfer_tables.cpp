@@ -31,6 +31,9 @@ constexpr FetchRow kFetches[] = {
     {kBinary, SQL_C_BINARY},
 };
 
+constexpr SQLSMALLINT kInPlace[] = {SQL_C_SSHORT, SQL_C_SLONG, SQL_C_SBIGINT, SQL_C_DOUBLE,
+                                    SQL_C_BIT};
+
 struct DescribedRow {
   SQLSMALLINT sqlType;
   unsigned int typeNumber;
@@ -77,6 +80,10 @@ SQLSMALLINT fetchTypeFor(unsigned int typeCode) {
   if (number >= kMoney1 && number <= kMoney15) return kNumericText;
   const auto* row = std::ranges::find(kFetches, number, &FetchRow::typeNumber);
   return row == std::end(kFetches) ? kNoFetch : row->fetchAs;
+}
+
+bool isFetchedInPlace(SQLSMALLINT fetchAs) {
+  return std::ranges::find(kInPlace, fetchAs) != std::end(kInPlace);
 }
 
 ColumnTransfer describedTransfer(const DATA_XFER_SETTINGS& column) {

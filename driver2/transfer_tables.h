@@ -32,6 +32,9 @@ struct ColumnTransfer {
 // The transfer of a column of a type code that the server asks for.
 SQLSMALLINT fetchTypeFor(unsigned int typeCode);
 
+// Whether a transfer is one call that puts the value where it belongs.
+bool isFetchedInPlace(SQLSMALLINT fetchAs);
+
 // The type code and transfer of a column that is read as the driver describes it.
 ColumnTransfer describedTransfer(const DATA_XFER_SETTINGS& column);
 

@@ -28,8 +28,8 @@ class ZEL_EXPORT Row {
 
  private:
   struct Column {
-    unsigned int type;
     DataTypes::DataValue value;
+    unsigned int type;
     bool owned;
   };
   std::vector<Column> columns_;

@@ -107,7 +107,7 @@ unsigned int ByteStore::Grow(unsigned int count) {
   return first ? count + 1 : count;
 }
 
-unsigned int ByteStore::Append(const unsigned char* bytes, unsigned int count) {
+unsigned int ByteStore::appendFar(const unsigned char* bytes, unsigned int count) {
   if (count == 0) return length_;
   // The block only moves, and with it bytes of its own, when there is no room.
   if (std::uint64_t{length_} + count >= capacity_) {
@@ -143,7 +143,7 @@ unsigned int ByteStore::ExtendBy(unsigned int count, char fill) {
   return lengthen(std::uint64_t{length_} + count, false, &fill);
 }
 
-unsigned int ByteStore::ExtendUnset(unsigned int newLength) {
+unsigned int ByteStore::extendUnsetFar(unsigned int newLength) {
   return lengthen(newLength, false, nullptr);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace KORVEX::Zel::DB::ODBC {
 
@@ -35,12 +36,27 @@ class ByteStore {
   // Growing and shrinking; each returns the new length unless something else is said.
   // Makes room for `count` more bytes and the terminator. Not 0 on success; 0 when `count` is 0.
   unsigned int Grow(unsigned int count);
-  unsigned int Append(const unsigned char* bytes, unsigned int count);
+  unsigned int Append(const unsigned char* bytes, unsigned int count) {
+    // Within the room nothing moves, and no byte of the store's own is lost.
+    if (bytes == nullptr || count == 0 || std::uint64_t{length_} + count >= capacity_) {
+      return appendFar(bytes, count);
+    }
+    std::memmove(data_ + length_, bytes, count);
+    length_ += count;
+    terminate();
+    return length_;
+  }
   // Lengthens to `newLength` (or by `count`) bytes with `fill`; never shortens.
   unsigned int Extend(unsigned int newLength, char fill);
   unsigned int ExtendBy(unsigned int count, char fill);
   // Like Extend, with the new bytes unset: for bytes that the caller writes next.
-  unsigned int ExtendUnset(unsigned int newLength);
+  unsigned int ExtendUnset(unsigned int newLength) {
+    // Within the room there is nothing moves, and the bytes are the caller's to set.
+    if (newLength <= length_ || newLength >= capacity_) return extendUnsetFar(newLength);
+    length_ = newLength;
+    terminate();
+    return length_;
+  }
   // Like Extend, with the new bytes in front.
   unsigned int Stretch(unsigned int newLength, char fill);
   // Shortens or lengthens (with NULs). Shortening keeps the head, or with `keepTail` the tail, and
@@ -52,7 +68,12 @@ class ByteStore {
     return Trunc(newLength, keepTail, 1);
   }
   unsigned int Truncate(unsigned int newLength, char keepTail) {
-    return Trunc(newLength, keepTail, 0);
+    if (keepTail != 0 || newLength > length_ || data_ == nullptr) {
+      return Trunc(newLength, keepTail, 0);
+    }
+    length_ = newLength;  // all that cutting the tail off is
+    terminate();
+    return length_;
   }
 
   // Removes `count` bytes (fewer at the end) into `removed`, another store, unless that is null.
@@ -92,6 +113,8 @@ class ByteStore {
                         bool mostSignificantFirst);
 
  private:
+  unsigned int appendFar(const unsigned char* bytes, unsigned int count);
+  unsigned int extendUnsetFar(unsigned int newLength);
   bool reserve(std::uint64_t newCapacity);
   bool holds(const unsigned char* bytes) const;
   unsigned int lengthen(std::uint64_t newLength, bool inFront, const char* fill);

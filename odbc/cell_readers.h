@@ -16,6 +16,7 @@
 #include <type_traits>
 
 #include "odbc/byte_store.h"
+#include "odbc/cell_content.h"
 #include "odbc/odbc.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -196,6 +197,11 @@ Odbc::e_Status readCell(SQLSMALLINT cType, bool isNull, const ByteStore& bytes, 
     return reader.read(bytes, out) ? reader.whenRead : Odbc::e_Error;
   }
   return Odbc::e_Error;
+}
+
+template <typename Out>
+Odbc::e_Status readCell(const CellContent& cell, Out& out) {
+  return readCell(cell.cType, cell.isNull(), cell.buffer, out);
 }
 
 }  // namespace KORVEX::Zel::DB::ODBC

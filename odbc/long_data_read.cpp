@@ -1,40 +1,15 @@
 #include "odbc/long_data_read.h"
 
-#include <algorithm>
 #include <cstring>
-#include <limits>
 
 namespace KORVEX::Zel::DB::ODBC {
 
 namespace {
 
-constexpr std::int64_t kLeastRequest = 4;
 // Asked for at a time when the driver cannot tell how much there is.
 constexpr std::int64_t kUnknownTotalRequest = 100000;
-constexpr std::int64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
-
-std::int64_t roundUpToEven(std::int64_t bytes) {
-  return bytes + (bytes & 1);
-}
 
 }  // namespace
-
-LongDataRead::LongDataRead(ByteStore& buffer, bool text, bool wide, std::int64_t firstRequest)
-    : buffer_(buffer), text_(text), wide_(wide), request_(firstRequest) {
-  buffer_.Truncate(0, 0);
-}
-
-bool LongDataRead::prepare() {
-  request_ = std::max(request_, kLeastRequest);
-  if (wide_) request_ = roundUpToEven(request_);
-  const std::int64_t end = offset_ + request_;
-  if (end > kMaxBytes) return false;
-  // Unset: the driver writes these bytes, or they are cut off. A driver that does not split a
-  // character leaves the last few alone, though, and the next piece does not cover them.
-  if (buffer_.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
-  std::memset(buffer_.Data() + end - kLeastRequest, 0, kLeastRequest);
-  return true;
-}
 
 LongDataRead::Step LongDataRead::take(SQLRETURN rc, SQLLEN indicator, SQLLEN& total) {
   anyPiece_ = true;

@@ -3,7 +3,10 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <limits>
 
 #include "odbc/byte_store.h"
 
@@ -16,12 +19,37 @@ class LongDataRead {
   // What an answer means.
   enum class Step { kMore, kDone, kNull, kImpossible };
 
-  // `firstRequest` bytes are asked for first. Text pieces end in a terminator, which the next piece
-  // overwrites; `wide` asks for even numbers of bytes.
-  LongDataRead(ByteStore& buffer, bool text, bool wide, std::int64_t firstRequest);
+  // How many bytes are asked for first: at least enough for a piece, even numbers of a wide text.
+  static std::int64_t firstRequest(std::int64_t lengthBytes, bool wide) {
+    const std::int64_t request = std::max(lengthBytes, kLeastRequest);
+    return wide ? request + (request & 1) : request;
+  }
+  // Makes room for a piece of `request` bytes at an offset, which is the buffer's end or, behind a
+  // piece of text, the terminator in front of it. False when there is no memory for it.
+  static bool makeRoom(ByteStore& buffer, std::int64_t offset, std::int64_t request) {
+    const std::int64_t end = offset + request;
+    if (end > kMaxBytes) return false;
+    // Unset: the driver writes these bytes, or they are cut off. A driver that does not split a
+    // character leaves the last few alone, though, and the next piece does not cover them.
+    if (buffer.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
+    std::memset(buffer.Data() + end - kLeastRequest, 0, kLeastRequest);
+    return true;
+  }
+  // Whether a first answer brought the whole value, as it mostly does.
+  static bool isWhole(SQLRETURN rc, SQLLEN indicator, std::int64_t request) {
+    return rc == SQL_SUCCESS && indicator >= 0 && indicator < request;
+  }
+
+  // Begins with a first piece of `request` bytes, for which there is room at the start. Text pieces
+  // end in a terminator, which the next piece overwrites; `wide` asks for even numbers of bytes.
+  LongDataRead(ByteStore& buffer, bool text, bool wide, std::int64_t request)
+      : buffer_(buffer), text_(text), wide_(wide), request_(request) {}
 
   // Makes room for the next piece; false when there is no memory for it. Call it before target().
-  bool prepare();
+  bool prepare() {
+    request_ = firstRequest(request_, wide_);
+    return makeRoom(buffer_, offset_, request_);
+  }
   // Where it goes, and its size in bytes.
   unsigned char* target() { return buffer_.Data() + offset_; }
   SQLLEN request() const { return request_; }
@@ -32,6 +60,9 @@ class LongDataRead {
   bool endEarly(SQLLEN& total);
 
  private:
+  static constexpr std::int64_t kLeastRequest = 4;
+  static constexpr std::int64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
+
   // Cuts the buffer to the value's length.
   Step finish(std::int64_t length, SQLLEN& total);
   // Moves the place of the next piece to the end of this one.

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <limits>
 
+#include "datatypes/short_number.h"
 #include "odbc/long_data_read.h"
 #include "odbc/narrowed.h"
 #include "odbc/odbc_query_impl.h"
@@ -17,7 +17,6 @@ namespace KORVEX::Zel::DB::ODBC {
 namespace {
 
 constexpr SQLSMALLINT kNameBytes = 256;
-constexpr std::uint32_t kLargestFixedBytes = 16;
 // "-9223372036854775808", and MariaDB's unsigned 64-bit integers.
 constexpr std::uint32_t kLongestBigInt = 20;
 
@@ -26,11 +25,11 @@ constexpr std::uint32_t kLongestBigInt = 20;
 constexpr SQLSMALLINT kNotGivenAsBytes[] = {SQL_C_SBIGINT, SQL_C_TINYINT, SQL_C_LONG, SQL_C_SHORT,
                                             SQL_C_DOUBLE};
 
-// What std::from_chars reads to the end, strtoll reads alike; the rest (blanks, a plus sign, a
-// number out of range) is strtoll's to judge.
+// The usual text is read at once; the rest (blanks, a plus sign, long numbers) is strtoll's to
+// judge.
 bool readLong(const ByteStore& text, std::int64_t& value) {
-  const auto read = std::from_chars(text.Text(), text.Text() + text.Length(), value);
-  if (read.ec == std::errc() && read.ptr == text.Text() + text.Length()) return true;
+  static_assert(kLongestBigInt >= DataTypes::kShortNumberRoom);
+  if (DataTypes::readShortInteger(text.Text(), text.Length(), value)) return true;
   char* end = nullptr;
   errno = 0;
   const long long parsed = std::strtoll(text.Text(), &end, 10);
@@ -49,20 +48,20 @@ Odbc::e_Status OdbcColImpl::Initialize() {
     return status;
   }
   // 0 and less: the driver does not know.
-  displaySize_ = displaySize > 0 ? narrowed<std::uint32_t>(displaySize) : columnSize_;
+  displaySize_ = displaySize > 0 ? narrowed<std::uint32_t>(displaySize) : content_.columnSize;
   SQLLEN isUnsigned = SQL_FALSE;
   if (const e_Status status = attribute(SQL_COLUMN_UNSIGNED, isUnsigned); status != e_Ok) {
     return status;
   }
 
-  const ColumnRule& rule = columnRule(sqlType_);
+  const ColumnRule& rule = columnRule(content_.sqlType);
   wide_ = rule.characters == CharacterKind::kWide;
-  if (rule.characters == CharacterKind::kNarrow) decimalDigits_ = 0;
-  std::int64_t bytes = rule.bufferBytes({columnSize_, displaySize_});
+  if (rule.characters == CharacterKind::kNarrow) content_.decimalDigits = 0;
+  std::int64_t bytes = rule.bufferBytes({content_.columnSize, displaySize_});
   if (bytes > std::numeric_limits<int>::max()) bytes = kFirstPiece;
   SetCType(isUnsigned != SQL_FALSE ? rule.unsignedCType : rule.cType, static_cast<int>(bytes));
   // Long data get their buffer when it is known how long they are.
-  if (cType_ != SQL_C_CHAR && cType_ != SQL_C_BINARY) SetData();
+  if (content_.cType != SQL_C_CHAR && content_.cType != SQL_C_BINARY) SetData();
   return e_Ok;
 }
 
@@ -82,9 +81,9 @@ Odbc::e_Status OdbcColImpl::describe() {
   nameLength_ = std::clamp<SQLSMALLINT>(nameLength, 0, kNameBytes - 1);
   name_.Resize(static_cast<std::uint32_t>(nameLength_), 0);
   if (status != e_Ok) return status;
-  sqlType_ = sqlType;
-  columnSize_ = narrowed<std::uint32_t>(columnSize);
-  decimalDigits_ = decimalDigits;
+  content_.sqlType = sqlType;
+  content_.columnSize = narrowed<std::uint32_t>(columnSize);
+  content_.decimalDigits = decimalDigits;
   nullable_ = nullable;
   return e_Ok;
 }
@@ -96,7 +95,7 @@ Odbc::e_Status OdbcColImpl::attribute(SQLUSMALLINT field, SQLLEN& value) {
 
 Odbc::e_Status OdbcColImpl::SetCType(short cType, int lengthBytes) {
   const e_Status status = OdbcDataImpl::SetCType(cType, lengthBytes);
-  plan_ = cellReadRule(cType_);
+  plan_ = cellReadRule(content_.cType);
   return status;
 }
 
@@ -106,93 +105,93 @@ Odbc::e_Status OdbcColImpl::GetName(std::string& name) {
 }
 
 Odbc::e_Status OdbcColImpl::GetData(ByteStore* value) {
-  const bool asText = std::find(std::begin(kNotGivenAsBytes), std::end(kNotGivenAsBytes), cType_) !=
-                      std::end(kNotGivenAsBytes);
+  const bool asText = std::find(std::begin(kNotGivenAsBytes), std::end(kNotGivenAsBytes),
+                                content_.cType) != std::end(kNotGivenAsBytes);
   if (!asText || value == nullptr || isNull()) return OdbcDataImpl::GetData(value);
   *value = text_;
   return e_Ok;
 }
 
-// NOLINTNEXTLINE(bugprone-virtual-near-miss)
-Odbc::e_Status OdbcColImpl::GetData() {
-  e_Status status = e_Ok;
+Odbc::e_Status OdbcColImpl::readVarying() {
   switch (plan_.read) {
-    case CellRead::kFixed:
-      status = readFixed();
-      break;
     case CellRead::kBigInt:
-      status = readBigInt();
-      break;
+      return readBigInt();
     case CellRead::kLong:
-      status = readLongData();
-      break;
+      return readLongData();
+    case CellRead::kFixed:
     case CellRead::kNothing:
       break;
   }
-  if (status != e_Ok) indicator_ = SQL_NULL_DATA;  // never the value of an earlier row
-  return status;
-}
-
-SQLRETURN OdbcColImpl::getData(SQLSMALLINT cType, unsigned char* data, SQLLEN bytes) {
-  indicator_ = 0;
-  return SQLGetData(stmtHandle_, static_cast<SQLUSMALLINT>(number_), cType, data, bytes,
-                    &indicator_);
-}
-
-Odbc::e_Status OdbcColImpl::readFixed() {
-  if (buffer_.Length() != plan_.bytes) {
-    buffer_.Truncate(0, 0);
-    if (buffer_.Extend(plan_.bytes, 0) != plan_.bytes) return e_Error;
-  }
-  std::memset(buffer_.Data(), 0, kLargestFixedBytes);  // the block has room for it
-  return statusFromOwner(getData(cType_, buffer_.Data(), plan_.bytes));
+  return e_Ok;
 }
 
 Odbc::e_Status OdbcColImpl::readBigInt() {
   const std::uint32_t length =
       std::clamp<std::uint32_t>(displaySize_, kLongestBigInt, std::uint32_t{kFirstPiece});
-  text_.Truncate(0, 0);
-  if (text_.Extend(length + 1, 0) != length + 1) return e_Error;
+  if (text_.ExtendUnset(length + 1) < length + 1) return e_Error;
+  // The digits of an earlier row must not be read again where a driver leaves the text alone.
+  std::memset(text_.Data(), 0, kLongestBigInt + 1);
   const e_Status status = statusFromOwner(getData(SQL_C_CHAR, text_.Data(), length + 1));
   // An indicator beyond the buffer means that the text was cut: it is no 64-bit number.
-  if (indicator_ == SQL_NO_TOTAL) indicator_ = static_cast<SQLLEN>(std::strlen(text_.Text()));
-  const bool fits = indicator_ >= 0 && indicator_ <= length;
-  text_.Truncate(status == e_Ok && fits ? static_cast<std::uint32_t>(indicator_) : 0, 0);
+  SQLLEN& indicator = content_.indicator;
+  if (indicator == SQL_NO_TOTAL) {
+    indicator = static_cast<SQLLEN>(strnlen(text_.Text(), kLongestBigInt + 1));
+  }
+  const bool fits = indicator >= 0 && indicator <= length;
+  text_.Truncate(status == e_Ok && fits ? static_cast<std::uint32_t>(indicator) : 0, 0);
   if (status != e_Ok || isNull()) {
-    buffer_.Truncate(0, 0);
+    content_.buffer.Truncate(0, 0);
     return status;
   }
   std::int64_t value = 0;
   if (!readLong(text_, value)) return e_Error;
-  buffer_.Truncate(0, 0);
-  buffer_.Slam(0, reinterpret_cast<const unsigned char*>(&value), sizeof value);
+  if (content_.buffer.Length() != sizeof value) {
+    content_.buffer.Truncate(0, 0);
+    if (content_.buffer.Extend(sizeof value, 0) != sizeof value) return e_Error;
+  }
+  std::memcpy(content_.buffer.Data(), &value, sizeof value);
   return e_Ok;
 }
 
 Odbc::e_Status OdbcColImpl::readLongData() {
-  LongDataRead read(buffer_, cType_ == SQL_C_CHAR, wide_, lengthBytes_);
+  ByteStore& buffer = content_.buffer;
+  buffer.Truncate(0, 0);
+  const std::int64_t request = LongDataRead::firstRequest(lengthBytes_, wide_);
+  if (!LongDataRead::makeRoom(buffer, 0, request)) {
+    GetStatus(SQL_SUCCESS);
+    return e_Error;
+  }
+  const SQLRETURN rc = getData(content_.cType, buffer.Data(), request);
+  if (!LongDataRead::isWhole(rc, content_.indicator, request)) return readPieces(rc, request);
+  buffer.Truncate(static_cast<std::uint32_t>(content_.indicator), 0);
+  return GetStatus(SQL_SUCCESS);
+}
+
+// `rc` answered the first request.
+Odbc::e_Status OdbcColImpl::readPieces(SQLRETURN rc, std::int64_t request) {
+  LongDataRead read(content_.buffer, content_.cType == SQL_C_CHAR, wide_, request);
   for (;;) {
-    if (!read.prepare()) {
-      GetStatus(SQL_SUCCESS);
-      return e_Error;
-    }
-    const SQLRETURN rc = getData(cType_, read.target(), read.request());
-    if (rc == SQL_NO_DATA && read.endEarly(indicator_)) return GetStatus(SQL_SUCCESS);
+    if (rc == SQL_NO_DATA && read.endEarly(content_.indicator)) return GetStatus(SQL_SUCCESS);
     if (!SQL_SUCCEEDED(rc)) return statusFromOwner(rc);
     SQLLEN total = 0;
-    switch (read.take(rc, indicator_, total)) {
+    switch (read.take(rc, content_.indicator, total)) {
       case LongDataRead::Step::kMore:
         break;  // the warning of a piece that was cut is not read: the next call would replace it
       case LongDataRead::Step::kDone:
-        indicator_ = total;
+        content_.indicator = total;
         return statusFromOwner(rc);
       case LongDataRead::Step::kNull:
-        buffer_.Truncate(0, 0);
+        content_.buffer.Truncate(0, 0);
         return statusFromOwner(rc);
       case LongDataRead::Step::kImpossible:
         GetStatus(SQL_SUCCESS);
         return e_Error;
     }
+    if (!read.prepare()) {
+      GetStatus(SQL_SUCCESS);
+      return e_Error;
+    }
+    rc = getData(content_.cType, read.target(), read.request());
   }
 }
 

@@ -88,7 +88,7 @@ SQLHANDLE OdbcDataImpl::GetHandle(e_Handle kind) {
   return SQL_NULL_HANDLE;
 }
 
-Odbc::e_Status OdbcDataImpl::statusFromOwner(SQLRETURN rc) {
+Odbc::e_Status OdbcDataImpl::failureFromOwner(SQLRETURN rc) {
   return GetStatus(owner_, rc);
 }
 
@@ -97,10 +97,10 @@ Odbc::e_Status OdbcDataImpl::SetCType(short cType, int lengthBytes) {
                                   [cType](const CTypeRule& row) { return row.cType == cType; });
   if (rule != std::end(kCTypes)) {
     const int length = rule->number ? kNumberBufferBytes : lengthBytes;
-    if (cType_ != cType || lengthBytes_ != length) bound_ = false;
-    cType_ = cType;
+    if (content_.cType != cType || lengthBytes_ != length) bound_ = false;
+    content_.cType = cType;
     lengthBytes_ = length;
-    indicator_ = SQL_NULL_DATA;
+    content_.indicator = SQL_NULL_DATA;
   }
   return GetStatus(SQL_SUCCESS);
 }
@@ -112,9 +112,9 @@ Odbc::e_Status OdbcDataImpl::SetSqlType(short sqlType, unsigned int columnSize,
                    [sqlType](const SqlTypeRule& row) { return row.sqlType == sqlType; });
   const bool listed = rule != std::end(kSqlTypes);
   bound_ = false;
-  sqlType_ = sqlType;
-  columnSize_ = listed && rule->columnSize != kSizeAsGiven ? rule->columnSize : columnSize;
-  decimalDigits_ = listed ? short{0} : decimalDigits;
+  content_.sqlType = sqlType;
+  content_.columnSize = listed && rule->columnSize != kSizeAsGiven ? rule->columnSize : columnSize;
+  content_.decimalDigits = listed ? short{0} : decimalDigits;
   return GetStatus(SQL_SUCCESS);
 }
 
@@ -129,16 +129,16 @@ Odbc::e_Status OdbcDataImpl::SetDirection(short direction) {
 }
 
 Odbc::e_Status OdbcDataImpl::GetCType(short& cType, int& lengthBytes) {
-  cType = cType_;
+  cType = content_.cType;
   lengthBytes = lengthBytes_;
   return e_Ok;
 }
 
 Odbc::e_Status OdbcDataImpl::GetSqlType(short& sqlType, unsigned int& columnSize,
                                         short& decimalDigits) {
-  sqlType = sqlType_;
-  columnSize = columnSize_;
-  decimalDigits = decimalDigits_;
+  sqlType = content_.sqlType;
+  columnSize = content_.columnSize;
+  decimalDigits = content_.decimalDigits;
   return e_Ok;
 }
 
@@ -148,23 +148,23 @@ Odbc::e_Status OdbcDataImpl::GetDirection(short& direction) {
 }
 
 Odbc::e_Status OdbcDataImpl::SetBindArea() {
-  const unsigned char* block = buffer_.Data();
-  const std::uint32_t size = buffer_.Length();
+  const unsigned char* block = content_.buffer.Data();
+  const std::uint32_t size = content_.buffer.Length();
   const std::uint32_t wanted = static_cast<std::uint32_t>(std::max(lengthBytes_, 0)) + 1;
   if (size == wanted) {
-    std::memset(buffer_.Data(), 0, std::min(writtenBytes_, wanted));
+    std::memset(content_.buffer.Data(), 0, std::min(writtenBytes_, wanted));
   } else {
-    buffer_.Truncate(0, 0);
-    buffer_.Extend(wanted, 0);
+    content_.buffer.Truncate(0, 0);
+    content_.buffer.Extend(wanted, 0);
   }
   writtenBytes_ = 0;
-  if (buffer_.Data() != block || buffer_.Length() != size) bound_ = false;
+  if (content_.buffer.Data() != block || content_.buffer.Length() != size) bound_ = false;
   return GetStatus(SQL_SUCCESS);
 }
 
 Odbc::e_Status OdbcDataImpl::SetData() {
   const e_Status status = SetBindArea();
-  indicator_ = 0;
+  content_.indicator = 0;
   return status;
 }
 
@@ -174,10 +174,10 @@ Odbc::e_Status OdbcDataImpl::storeBytes(short cType, int lengthBytes, const void
   SetBindArea();
   // The value may be larger than the length that is told to ODBC; the spare bytes that every block
   // has take it.
-  if (valueBytes >= buffer_.Capacity()) return e_Error;
-  if (valueBytes > 0) std::memcpy(buffer_.Data(), value, valueBytes);
+  if (valueBytes >= content_.buffer.Capacity()) return e_Error;
+  if (valueBytes > 0) std::memcpy(content_.buffer.Data(), value, valueBytes);
   writtenBytes_ = static_cast<std::uint32_t>(valueBytes);
-  indicator_ = indicator;
+  content_.indicator = indicator;
   return e_Ok;
 }
 
@@ -202,73 +202,73 @@ Odbc::e_Status OdbcDataImpl::SetData(unsigned int typeCode, const DataTypes::Dat
 
 Odbc::e_Status OdbcDataImpl::bindParameter(SQLPOINTER data, SQLLEN bufferBytes,
                                            SQLLEN* indicators) {
-  const e_Status status = statusFromOwner(
-      SQLBindParameter(stmtHandle_, static_cast<SQLUSMALLINT>(number_), direction_, cType_,
-                       sqlType_, columnSize_, decimalDigits_, data, bufferBytes, indicators));
+  const e_Status status = statusFromOwner(SQLBindParameter(
+      stmtHandle_, static_cast<SQLUSMALLINT>(number_), direction_, content_.cType, content_.sqlType,
+      content_.columnSize, content_.decimalDigits, data, bufferBytes, indicators));
   if (status == e_Ok) bound_ = true;
   return status;
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(char& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(bool& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(short& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(int& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(long& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(unsigned char& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(unsigned short& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(unsigned int& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(unsigned long& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(double& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(TIMESTAMP_STRUCT& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(TIME_STRUCT& value) {
-  return readCell(cType_, isNull(), buffer_, value);
+  return readCell(content_, value);
 }
 
 Odbc::e_Status OdbcDataImpl::GetData(ByteStore* value) {
   if (value == nullptr) return e_Error;
   value->Truncate(0, 0);
   if (isNull()) return e_Null;
-  value->Append(buffer_.Data(), buffer_.Length());
+  value->Append(content_.buffer.Data(), content_.buffer.Length());
   return e_Ok;
 }
 
 Odbc::e_Status OdbcDataImpl::GetBytes(std::span<const unsigned char>& bytes) {
   bytes = {};
   if (isNull()) return e_Null;
-  bytes = {buffer_.Data(), buffer_.Length()};
+  bytes = {content_.buffer.Data(), content_.buffer.Length()};
   return e_Ok;
 }
 

@@ -9,6 +9,7 @@
 
 #include "datatypes/data_value.h"
 #include "odbc/byte_store.h"
+#include "odbc/cell_content.h"
 #include "odbc/odbc_impl.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -84,11 +85,14 @@ class OdbcDataImpl : public OdbcImpl {
   // The bytes of the buffer: copied, and where they lie.
   e_Status GetData(ByteStore* value);
   e_Status GetBytes(std::span<const unsigned char>& bytes);
+  const CellContent& Content() const { return content_; }
 
  protected:
-  bool isNull() const { return indicator_ == SQL_NULL_DATA; }
+  bool isNull() const { return content_.isNull(); }
   // The status of one of the cell's ODBC calls.
-  e_Status statusFromOwner(SQLRETURN rc);
+  e_Status statusFromOwner(SQLRETURN rc) {
+    return rc == SQL_SUCCESS ? GetStatus(rc) : failureFromOwner(rc);
+  }
   // SQLBindParameter with the cell's description; on success the cell is bound. `data` and
   // `indicators` must stay where they are until the next binding.
   e_Status bindParameter(SQLPOINTER data, SQLLEN bufferBytes, SQLLEN* indicators);
@@ -102,16 +106,12 @@ class OdbcDataImpl : public OdbcImpl {
   bool wide_ = false;             // a column of a wide character type
   std::int16_t number_;           // of the column or parameter, from 1
   std::int16_t direction_ = 0;    // SQL_PARAM_ ..., 0: never set
-  std::int16_t cType_ = 0;        // 0: never set
   std::int32_t lengthBytes_ = 0;  // as told to ODBC; the buffer is one byte longer
-  std::int16_t sqlType_ = 0;
-  std::uint32_t columnSize_ = 0;
-  std::int16_t decimalDigits_ = 0;
-  SQLLEN indicator_ = SQL_NULL_DATA;  // the length in bytes, or NULL
   std::int16_t nullable_ = SQL_NULLABLE_UNKNOWN;
-  ByteStore buffer_;
+  CellContent content_;
 
  private:
+  e_Status failureFromOwner(SQLRETURN rc);
   // Takes C type and length, remakes the buffer and puts the value at its start.
   e_Status storeBytes(short cType, int lengthBytes, const void* value, std::size_t valueBytes,
                       SQLLEN indicator);

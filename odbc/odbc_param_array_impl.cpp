@@ -38,7 +38,7 @@ Odbc::e_Status OdbcParamArrayImpl::Initialize() {
       stmtHandle_, static_cast<SQLUSMALLINT>(number_), &sqlType, &size, &decimalDigits, &nullable));
   if (status != e_Ok) return status;
   describedBytes_ = narrowed<std::uint32_t>(size);
-  columnSize_ = describedBytes_;
+  content_.columnSize = describedBytes_;
   lengthBytes_ = narrowed<std::int32_t>(size);
   return e_Ok;
 }
@@ -64,7 +64,7 @@ Odbc::e_Status OdbcParamArrayImpl::SetCType(short cType, int lengthBytes) {
     length = sizeof(std::int64_t);
   }
   const e_Status status = OdbcParamImpl::SetCType(cType, narrowed<int>(length));
-  cTypeFixed_ = cType_ == cType;
+  cTypeFixed_ = content_.cType == cType;
   if (cTypeFixed_) lengthIsDescribed_ = described;
   return status;
 }
@@ -99,9 +99,9 @@ bool OdbcParamArrayImpl::decideLayout(Layout layout, std::uint32_t valueBytes) {
 // The place of NULL rows, without their indicators.
 bool OdbcParamArrayImpl::appendNulls(std::size_t rows) {
   if (layout_ == Layout::kFixed) {
-    const std::uint64_t length = buffer_.Length() + std::uint64_t{valueBytes_} * rows;
+    const std::uint64_t length = content_.buffer.Length() + std::uint64_t{valueBytes_} * rows;
     return length <= std::numeric_limits<std::uint32_t>::max() &&
-           buffer_.Extend(static_cast<std::uint32_t>(length), 0) == length;
+           content_.buffer.Extend(static_cast<std::uint32_t>(length), 0) == length;
   }
   if (layout_ == Layout::kCollected) {
     records_.insert(records_.end(), rows, Record{collected_.Length(), 0});
@@ -112,8 +112,9 @@ bool OdbcParamArrayImpl::appendNulls(std::size_t rows) {
 Odbc::e_Status OdbcParamArrayImpl::appendFixed(const void* value, std::uint32_t bytes,
                                                bool isNull) {
   if (!decideLayout(Layout::kFixed, bytes)) return e_Error;
-  const bool done = isNull ? appendNulls(1)
-                           : buffer_.Append(static_cast<const unsigned char*>(value), bytes) != 0;
+  const bool done =
+      isNull ? appendNulls(1)
+             : content_.buffer.Append(static_cast<const unsigned char*>(value), bytes) != 0;
   return done ? appendIndicator(isNull ? SQL_NULL_DATA : 0) : e_Error;
 }
 
@@ -130,8 +131,8 @@ Odbc::e_Status OdbcParamArrayImpl::appendCollected(std::span<const unsigned char
 
 bool OdbcParamArrayImpl::cutsToDescribedSize() const {
   return describedBytes_ > 0 &&
-         (!sqlTypeFixed_ ||
-          std::find(std::begin(kCutTypes), std::end(kCutTypes), sqlType_) != std::end(kCutTypes));
+         (!sqlTypeFixed_ || std::find(std::begin(kCutTypes), std::end(kCutTypes),
+                                      content_.sqlType) != std::end(kCutTypes));
 }
 
 Odbc::e_Status OdbcParamArrayImpl::SetData(ByteStore* value, bool binary, bool isNull) {
@@ -200,7 +201,7 @@ Odbc::e_Status OdbcParamArrayImpl::Bind() {
   if (layout_ != Layout::kCollected) {
     // ODBC knows the size of these types and takes it for the distance of the rows.
     widenIndicators();
-    return bindParameter(buffer_.Data(), lengthBytes_, boundIndicators_.data());
+    return bindParameter(content_.buffer.Data(), lengthBytes_, boundIndicators_.data());
   }
   const std::uint32_t slot = slotBytes();
   if (!packSlots(slot)) {
@@ -217,7 +218,7 @@ void OdbcParamArrayImpl::CutRows(int rows) {
   bound_ = false;
   const auto kept = static_cast<std::uint32_t>(rows);
   indicators_.Truncate(kept * static_cast<std::uint32_t>(sizeof(std::int32_t)), 0);
-  if (layout_ == Layout::kFixed) buffer_.Truncate(kept * valueBytes_, 0);
+  if (layout_ == Layout::kFixed) content_.buffer.Truncate(kept * valueBytes_, 0);
   if (layout_ == Layout::kCollected) {
     collected_.Truncate(records_[kept].offset, 0);
     records_.resize(kept);

@@ -5,7 +5,7 @@
 namespace KORVEX::Zel::DB::ODBC {
 
 Odbc::e_Status OdbcParamImpl::setNull() {
-  indicator_ = SQL_NULL_DATA;
+  content_.indicator = SQL_NULL_DATA;
   return GetStatus(SQL_SUCCESS);
 }
 
@@ -16,7 +16,7 @@ Odbc::e_Status OdbcParamImpl::SetData(unsigned int typeCode, const DataTypes::Da
 }
 
 Odbc::e_Status OdbcParamImpl::Bind() {
-  return bound_ ? e_Ok : bindParameter(buffer_.Data(), lengthBytes_, &indicator_);
+  return bound_ ? e_Ok : bindParameter(content_.buffer.Data(), lengthBytes_, &content_.indicator);
 }
 
 Odbc::e_Status OdbcParamImpl::Unbind() {

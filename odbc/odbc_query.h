@@ -1,12 +1,14 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "odbc/odbc.h"
 
 namespace KORVEX::Zel::DB::ODBC {
 
 class OdbcCol;
+struct CellContent;
 
 // Something with a result set: a statement or a catalog query. Columns count from 1.
 class OdbcQuery : public virtual Odbc {
@@ -27,6 +29,9 @@ class OdbcQuery : public virtual Odbc {
   virtual e_Status GetColumnCount(int& count) = 0;
   // The column's object, which the query owns, or null: no such column, or nothing fetched yet.
   virtual OdbcCol* GetColumn(int column) = 0;
+  // What each column holds in the current row, by column number; null at 0, and empty as long as
+  // there are no columns. The list itself stays where it is as long as the query.
+  virtual const std::vector<const CellContent*>& Contents() = 0;
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -109,6 +109,8 @@ Odbc::e_Status OdbcQueryImpl::CreateColumns() {
       return status;
     }
   }
+  contents_.assign(columns_.size(), nullptr);
+  for (std::size_t n = 1; n < columns_.size(); ++n) contents_[n] = &columns_[n]->Content();
   return e_Ok;
 }
 
@@ -116,6 +118,7 @@ Odbc::e_Status OdbcQueryImpl::DeleteColumns() {
   freeStmt(SQL_UNBIND);
   for (OdbcColImpl* column : columns_) delete column;
   columns_.clear();
+  contents_.clear();
   return e_Ok;
 }
 

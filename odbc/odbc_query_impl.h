@@ -36,6 +36,7 @@ class OdbcQueryImpl : public OdbcImpl, public virtual OdbcQuery {
   e_Status GetColumnType(int column, int& sqlType) override;
   e_Status GetColumnCount(int& count) override;
   OdbcCol* GetColumn(int column) override;
+  const std::vector<const CellContent*>& Contents() override { return contents_; }
 
  protected:
   const OdbcDbcImpl& dbc() const { return *dbc_; }
@@ -59,6 +60,7 @@ class OdbcQueryImpl : public OdbcImpl, public virtual OdbcQuery {
   // By column number; entry 0 is null. The columns are children of the query: once DeleteChildren
   // has run the entries dangle.
   std::vector<OdbcColImpl*> columns_;
+  std::vector<const CellContent*> contents_;  // of the same columns
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -140,7 +140,10 @@ void OdbcStmtImpl::Unbind() {
 
 Odbc::e_Status OdbcStmtImpl::Execute() {
   if (const e_Status status = Prepare(false); status != e_Ok) return status;
-  if (const e_Status status = Bind(); status != e_Ok) return status;
+  if (const e_Status status = Bind(); status != e_Ok) {
+    // A binding's "no data" is not that of an execution that hits no row: nothing was executed.
+    return status == e_NoData ? e_Other : status;
+  }
   return GetStatus(this, SQLExecute(GetHandle()));
 }
 

@@ -22,7 +22,10 @@ const void* bufferOf(unsigned int type, const DataTypes::DataValue& value) {
 
 }  // namespace
 
-Row::Row() = default;
+Row::Row() {
+  constexpr std::size_t kUsualColumns = 16;  // one allocation for most rows
+  columns_.reserve(kUsualColumns);
+}
 
 Row::~Row() {
   for (const Column& column : columns_) {
@@ -33,7 +36,7 @@ Row::~Row() {
 }
 
 void Row::addColumn(unsigned int type, const DataTypes::DataValue& value, bool handOver) {
-  columns_.push_back({type, value, handOver});
+  columns_.push_back({value, type, handOver});
 }
 
 std::size_t Row::getNumColumns() const {

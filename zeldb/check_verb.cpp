@@ -7,12 +7,13 @@
 #include <iostream>
 
 #include "zeldb/connector.h"
+#include "zeldb/service_argument.h"
 
 namespace zeldb {
 
 CLI::App* CheckVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("check", "Connect to a service");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   return verb;
 }
 

@@ -33,9 +33,10 @@ Place placeFrom(const std::string& text) {
 
 CLI::App* CopyVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("copy", "Insert the rows of one table into another");
-  verb->add_option("FROM", from_, "SERVICE.TABLE that is read")->required();
-  verb->add_option("TO", to_, "SERVICE.TABLE that exists, with columns of the same names")
-      ->required();
+  verb->add_option("FROM", from_, "Table that is read")->required()->type_name("SERVICE.TABLE");
+  verb->add_option("TO", to_, "Table that exists, with columns of the same names")
+      ->required()
+      ->type_name("SERVICE.TABLE");
   addLoadOptions(*verb, options_);
   addGenerationOption(*verb, generation_);
   return verb;

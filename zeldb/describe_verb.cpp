@@ -10,6 +10,7 @@
 #include "zeldb/column_type.h"
 #include "zeldb/connector.h"
 #include "zeldb/failure.h"
+#include "zeldb/service_argument.h"
 
 namespace zeldb {
 namespace {
@@ -54,7 +55,7 @@ void writeColumn(const TableColumn& column, RowWriter& writer) {
 
 CLI::App* DescribeVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("describe", "Show the columns of a table");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   verb->add_option("TABLE", table_, "A table as the catalogue spells it, or SCHEMA.TABLE")
       ->required();
   addOutputOptions(*verb, output_);

@@ -10,15 +10,17 @@
 #include "zeldb/generation_option.h"
 #include "zeldb/output_file.h"
 #include "zeldb/row_copying.h"
+#include "zeldb/service_argument.h"
 #include "zeldb/statement_kind.h"
 
 namespace zeldb {
 
 CLI::App* DumpVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("dump", "Write a table's or a query's rows to a file");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   verb->add_option("SOURCE", source_, "A table, written as in SQL, or a query")->required();
-  verb->add_option("--out", file_, "File, replaced when all is written; else standard output");
+  verb->add_option("--out", file_, "File, replaced when all is written; else standard output")
+      ->type_name("FILE");
   addOutputOptions(*verb, output_);
   addGenerationOption(*verb, generation_);
   return verb;

@@ -18,6 +18,7 @@ void addLoadOptions(CLI::App& verb, LoadOptions& options) {
       verb.add_flag("--one-transaction", options.oneTransaction, "Commit only once, at the end");
   CLI::Option* const rejects =
       verb.add_option("--rejects", options.rejects, "File to name bad rows in; all others go in")
+          ->type_name("FILE")
           ->excludes(once);
   verb.add_option("--max-errors", options.maxErrors, "Stop when more rows than this are bad")
       ->needs(rejects);

@@ -17,6 +17,7 @@
 #include "zeldb/ledger_table.h"
 #include "zeldb/load_run.h"
 #include "zeldb/sampled_records.h"
+#include "zeldb/service_argument.h"
 
 namespace zeldb {
 namespace {
@@ -33,9 +34,11 @@ std::string checkDelimiter(const std::string& text) {
 
 CLI::App* LoadVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("load", "Insert the rows of a CSV file into a table");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   verb->add_option("TABLE", table_, "A table, written as in SQL")->required();
-  verb->add_option("FILE", file_, "CSV file whose first row names the columns")->required();
+  verb->add_option("FILE", file_, "CSV file whose first row names the columns")
+      ->required()
+      ->type_name("FILE");
   verb->add_option("--types", types_, "NAME:TYPE,... for columns not to be read as the table says");
   addLoadOptions(*verb, options_);
   verb->add_option("--null", options_.nullText,

@@ -34,8 +34,11 @@ struct CommandLine {
     app.require_subcommand(1);
     app.fallthrough();
     app.set_version_flag("--version", ZELDB_VERSION);
-    app.add_option("--services", connector.services, "Services file")->capture_default_str();
-    app.add_option("--driver", connector.driver, "Driver plug-in")->capture_default_str();
+    app.add_option("--services", connector.services, "Services file")
+        ->type_name("FILE")
+        ->capture_default_str();
+    app.add_option("--driver", connector.driver, "Driver plug-in, if not the one beside the tool")
+        ->type_name("FILE");
     app.add_option("--log-level", logLevel, "How much is logged")
         ->check(CLI::IsMember({"debug", "info", "warning", "error"}))
         ->capture_default_str();

@@ -6,6 +6,11 @@
 #include "zeldb/failure.h"
 
 namespace zeldb {
+namespace {
+
+constexpr const char* kLibrary = "libzel_db_odbc_lib.so";
+
+}  // namespace
 
 PlugIn::PlugIn(const std::filesystem::path& library) {
   void* const handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -26,7 +31,11 @@ PlugIn::PlugIn(const std::filesystem::path& library) {
 
 std::filesystem::path PlugIn::defaultLibrary() {
   const auto program = std::filesystem::read_symlink("/proc/self/exe");
-  return program.parent_path().parent_path() / "lib" / "libzel_db_odbc_lib.so";
+  const auto tree = program.parent_path() / ZELDB_TO_PREFIX;
+  const auto installed = tree / ZELDB_PLUGIN_FOLDER / kLibrary;
+  // Before it is installed all libraries stand in one folder.
+  return (std::filesystem::exists(installed) ? installed : tree / "lib" / kLibrary)
+      .lexically_normal();
 }
 
 }  // namespace zeldb

@@ -15,7 +15,8 @@ class PlugIn {
   // such library or gives no driver.
   explicit PlugIn(const std::filesystem::path& library);
 
-  // Where the plug-in is looked for when none is named: in ../lib beside the program's folder.
+  // Where the plug-in is looked for when none is named: where an installation puts it, counted
+  // from the program's place, or beside the program in a build folder.
   static std::filesystem::path defaultLibrary();
 
   KORVEX::Zel::DB::Driver& driver() { return *driver_; }

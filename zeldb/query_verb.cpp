@@ -9,13 +9,14 @@
 #include "zeldb/generation_option.h"
 #include "zeldb/query_parameters.h"
 #include "zeldb/row_copying.h"
+#include "zeldb/service_argument.h"
 #include "zeldb/statement_kind.h"
 
 namespace zeldb {
 
 CLI::App* QueryVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("query", "Run a statement and show its rows");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   verb->add_option("SQL", sql_, "The statement, with ? for each parameter")->required();
   verb->add_option("--param", params_, "TYPE:VALUE of the next ?; TYPE alone is NULL")
       ->allow_extra_args(false);

@@ -145,22 +145,48 @@ class ServiceReader {
   Service service_;
 };
 
+toml::table parse(const std::filesystem::path& path) {
+  std::ifstream in(path);
+  if (!in || std::filesystem::is_directory(path)) {
+    throw Failure(ExitCode::kUsage, fmt::format("{}: services file cannot be read", path.string()));
+  }
+  try {
+    return toml::parse(in, path.string());
+  } catch (const toml::parse_error& error) {
+    const auto& begin = error.source().begin;
+    throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: {}", path.string(), begin.line,
+                                                begin.column, error.description()));
+  }
+}
+
 }  // namespace
 
 Service ServicesFile::find(const std::string& name) const {
-  std::ifstream in(path_);
-  if (!in || std::filesystem::is_directory(path_)) {
-    throw Failure(ExitCode::kUsage,
-                  fmt::format("{}: services file cannot be read", path_.string()));
+  const toml::table services = parse(path_);
+  return ServiceReader(path_, services).read(name);
+}
+
+std::vector<ServicesFile::Entry> ServicesFile::entries() const {
+  std::vector<Entry> entries;
+  const toml::table services = parse(path_);
+  for (const auto& [name, node] : services) {
+    if (const toml::table* const table = node.as_table()) {
+      Entry& entry = entries.emplace_back(Entry{std::string(name.str()), {}});
+      for (const auto& [key, value] : *table) {
+        entry.keys[std::string(key.str())] = value.value_or(std::string());
+      }
+    }
   }
-  try {
-    const toml::table services = toml::parse(in, path_.string());
-    return ServiceReader(path_, services).read(name);
-  } catch (const toml::parse_error& error) {
-    const auto& begin = error.source().begin;
-    throw Failure(ExitCode::kUsage, fmt::format("{}:{}:{}: {}", path_.string(), begin.line,
-                                                begin.column, error.description()));
+  return entries;
+}
+
+std::vector<std::string> ServicesFile::knownKeys() {
+  std::vector<std::string> names;
+  names.reserve(kKeys.size());
+  for (const Key& key : kKeys) {
+    names.emplace_back(key.name);
   }
+  return names;
 }
 
 }  // namespace zeldb

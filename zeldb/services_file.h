@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "zeldb/service.h"
 
@@ -27,6 +29,17 @@ class ServicesFile {
   // file cannot be read or parsed, has no such service, or the service has an unknown key, a value
   // of the wrong type, more than one password or no DSN or User.
   Service find(const std::string& name) const;
+
+  // A table of the file, unchecked: its keys, with the values that are texts, else empty ones.
+  struct Entry {
+    std::string name;
+    std::map<std::string, std::string> keys;
+  };
+  // All tables of the file, by name. Throws Failure when it cannot be read or parsed.
+  std::vector<Entry> entries() const;
+
+  // The keys that a service may have.
+  static std::vector<std::string> knownKeys();
 
  private:
   std::filesystem::path path_;

@@ -6,12 +6,13 @@
 
 #include "datatypes/type_code.h"
 #include "zeldb/connector.h"
+#include "zeldb/service_argument.h"
 
 namespace zeldb {
 
 CLI::App* TablesVerb::declare(CLI::App& app) {
   CLI::App* const verb = app.add_subcommand("tables", "List the tables and views of a service");
-  verb->add_option("SERVICE", service_, "Name in the services file")->required();
+  addServiceArgument(*verb, service_);
   verb->add_option("--schema", schema_, "Only the tables of this schema");
   addOutputOptions(*verb, output_);
   return verb;

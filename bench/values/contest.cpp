@@ -4,7 +4,12 @@
 #include <chrono>
 #include <cstdio>
 
+#include "instructions/counted.h"
+#include "random_batch.h"
+
 namespace {
+
+bool counting = false;
 
 constexpr int kRounds = 41;
 constexpr double kRoundNanoseconds = 2e6;
@@ -36,7 +41,23 @@ double medianNanoseconds(const std::function<void()>& work) {
   return median(times);
 }
 
+void countInsteadOfTiming() {
+  counting = true;
+}
+
+bool countsInsteadOfTiming() {
+  return counting;
+}
+
 bool run(const Contest& contest) {
+  if (counting) {
+    std::string name = contest.what;
+    std::ranges::replace(name, ' ', '-');
+    countInstructions(name.c_str(), 1, 4, kBatch, [&contest](int times) {
+      for (int i = 0; i < times; ++i) contest.contenders[1].work();
+    });
+    return true;
+  }
   const std::size_t count = contest.contenders.size();
   std::vector<int> repeats;
   for (const auto& contender : contest.contenders) repeats.push_back(repeatsOf(contender.work));

@@ -23,6 +23,10 @@ struct Contest {
 // the target was met.
 bool run(const Contest& contest);
 
+// From now on `run` counts the instructions of ours (counted.h) instead of timing.
+void countInsteadOfTiming();
+bool countsInsteadOfTiming();
+
 // The nanoseconds of one run of `work`, the median of several.
 double medianNanoseconds(const std::function<void()>& work);
 

@@ -7,18 +7,27 @@
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "datatypes/calendar.h"
 #include "datatypes/decimal_text.h"
 #include "datatypes/digits.h"
 #include "datatypes/hex_codec.h"
 #include "datatypes/instant_text.h"
 #include "datatypes/number_text.h"
+#include "datatypes/picture_text.h"
 #include "datatypes/settings.h"
+#include "datatypes/short_number.h"
+#include "datatypes/time_format_parser_time_to_string.h"
+#include "datatypes/time_text.h"
+#include "datatypes/type_code.h"
+#include "datatypes/zone.h"
 #include "scoped_time_zone.h"
 
 namespace DataTypes {
@@ -307,6 +316,112 @@ TEST_F(FastPaths, Hex) {
     ASSERT_EQ(fastResult.status, plainResult.status) << text;
     ASSERT_EQ(fastResult.bytes, plainResult.bytes) << text;
     ASSERT_EQ(fast, plain) << text;
+  }
+}
+
+// A short form either gives what the general one gives, or leaves the text to it.
+void expectSameShortDecimal(const std::string& text, int precision, int scale) {
+  char padded[64] = {};
+  text.copy(padded, sizeof padded - 1);
+  FixedDecimalValue fast;
+  if (!readShortDecimal(padded, text.size(), createFixedDecimal(precision, scale), fast)) return;
+  FixedDecimalValue plain;
+  ASSERT_TRUE(plain.setDecimalValue(precision, scale, padded)) << text;
+  ASSERT_EQ(std::memcmp(&fast, &plain, sizeof plain), 0)
+      << '"' << text << "\" as decimal(" << precision << ',' << scale << ')';
+}
+
+TEST_F(FastPaths, ShortDecimals) {
+  for (const char* text : {"",
+                           "-",
+                           "+",
+                           ".",
+                           "-.5",
+                           "0",
+                           "-0",
+                           "-0.00",
+                           "+7",
+                           "9",
+                           "10",
+                           "99.99",
+                           "-99.99",
+                           "100.00",
+                           "1,25",
+                           "1.2.3",
+                           "12-",
+                           " 1",
+                           "1 ",
+                           "0x1",
+                           "1e5",
+                           "1234567890123456",
+                           "12345678901234567",
+                           "-123456789012345.6"}) {
+    for (int scale = 0; scale <= 15; ++scale) expectSameShortDecimal(text, 16, scale);
+  }
+  for (int round = 0; round < kRounds; ++round) {
+    const int scale = below(16);
+    const int precision = 1 + below(38);
+    const std::string sign = below(3) == 0 ? "-" : below(9) == 0 ? "+" : "";
+    std::string fraction;
+    for (int i = 0; i < scale; ++i) fraction += character("0123456789");
+    const std::string text = sign + digits(16) + (scale > 0 ? "." : "") + fraction;
+    ASSERT_NO_FATAL_FAILURE(
+        expectSameShortDecimal(mutate(text, "0123456789.,-+ e/:"), precision, scale));
+  }
+}
+
+TEST_F(FastPaths, ShortIntegers) {
+  for (int round = 0; round < kRounds; ++round) {
+    const std::string text = mutate(std::to_string(number()), "0123456789-+ ./:");
+    char padded[64] = {};
+    text.copy(padded, sizeof padded - 1);
+    std::int64_t fast = 0;
+    if (!readShortInteger(padded, text.size(), fast)) continue;
+    char* end = nullptr;
+    ASSERT_EQ(fast, std::strtoll(padded, &end, 10)) << text;
+    ASSERT_EQ(*end, '\0') << text;
+  }
+}
+
+TEST_F(FastPaths, DaysSince1970) {
+  for (unsigned year = 1970; year <= 32767; ++year) {
+    for (unsigned month = 1; month <= 12; ++month) {
+      const auto day = static_cast<unsigned>(1 + below(65535));
+      std::tm t{};
+      t.tm_year = static_cast<int>(year) - 1900;
+      t.tm_mon = static_cast<int>(month) - 1;
+      t.tm_mday = static_cast<int>(day);
+      const long seconds = daysSince1970(year, month, day) * 86400L;
+      ASSERT_EQ(seconds, tm2sec(&t)) << year << '-' << month << '-' << day;
+      ASSERT_EQ(seconds, tm2secUtc(&t)) << year << '-' << month << '-' << day;
+    }
+  }
+}
+
+std::string printPlainly(long value, const std::string& picture, const Zone* zone) {
+  std::string out;
+  TimeFormatParser_TimeToString printer(value, zone, out);
+  if (!printer.prepare() || !printer.Parse(picture.data(), picture.size())) out.clear();
+  return out;
+}
+
+TEST_F(FastPaths, FixedPictures) {
+  constexpr const char* kTokens[] = {"YYYY", "MM",  "DD", "HH24", "MI", "SS", "FF", "FF1", "FF3",
+                                     "FF6",  "FF9", "-",  " ",    ":",  ".",  "/",  "T",   "MON",
+                                     "FM",   "FX",  "Q",  "YY",   "MS", "\"", "x"};
+  constexpr const char* kZones[] = {nullptr, "Europe/Paris", "America/St_Johns", "Asia/Kathmandu"};
+  constexpr long kEdges[] = {0, 999, -1, -86400000, 253402300799999, 253402300800000, LONG_MAX};
+  for (int round = 0; round < kRounds / 100; ++round) {
+    std::string picture = below(4) == 0 ? "YYYY-MM-DD HH24:MI:SS.FF3" : "";
+    for (int count = below(9); count > 0; --count) picture += kTokens[below(std::size(kTokens))];
+    const char* name = kZones[below(std::size(kZones))];
+    const Zone* zone = name == nullptr ? nullptr : findZone(name);
+    for (int i = 0; i < 8; ++i) {
+      const long value = i == 0 ? kEdges[below(std::size(kEdges))] : number() >> below(24);
+      std::string out;
+      TimestampToString(value, picture.c_str(), name, out);
+      ASSERT_EQ(out, printPlainly(value, picture, zone)) << value << ' ' << picture;
+    }
   }
 }
 

@@ -65,7 +65,10 @@ Answer FakeOdbc::enter(const char* function, Handle* handle, const std::string& 
   for (const Fault& fault : faults_) {
     if (!fault.function.empty() && fault.function != function) continue;
     const int call = fault.function.empty() ? ofAll : ofName;
-    if (call == fault.call || (fault.fromThenOn && call > fault.call)) answer = fault.answer;
+    if (call == fault.call || (fault.fromThenOn && call > fault.call)) {
+      answer = fault.answer;
+      lastFault = function;
+    }
   }
   if (auto waiting = answers_.find(function);
       waiting != answers_.end() && !waiting->second.empty() && answer.rc == SQL_SUCCESS) {

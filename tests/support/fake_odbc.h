@@ -185,6 +185,7 @@ class FakeOdbc {
   // often a driver manager asks is its own affair.
   std::vector<std::string> takeLog() { return std::exchange(log, {}); }
   std::vector<std::string> log;
+  std::string lastFault;  // the function whose call was the last to be made to fail by fail()
   std::vector<Execution> executions;
   // Calls that a correct program does not make: on freed handles, or freeing a parent first.
   std::vector<std::string> misuses;
@@ -201,6 +202,8 @@ class FakeOdbc {
     }
     return live;
   }
+  // Forgets what an earlier program has left behind; none of it may be used any more.
+  void forgetHandles() { handles_.clear(); }
   // Forgets scripts and records. Live handles stay valid.
   void reset() {
     dbmsName = "Fake";
@@ -215,6 +218,7 @@ class FakeOdbc {
     log.clear();
     executions.clear();
     misuses.clear();
+    lastFault.clear();
     std::erase_if(handles_, [](const auto& handle) { return !handle->live; });
   }
 

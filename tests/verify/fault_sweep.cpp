@@ -1,0 +1,260 @@
+// Every ODBC call of every operation made to fail, alone and in pairs.
+
+#include <algorithm>
+#include <random>
+#include <string_view>
+
+#include "tests/verify/check.h"
+#include "tests/verify/operations.h"
+
+namespace verify {
+namespace {
+
+const fake::Answer kAnswers[] = {
+    fake::failure("42000", 7, "no"),
+    fake::failureWithoutRecord(),
+    {SQL_SUCCESS_WITH_INFO, {}},
+    {SQL_STILL_EXECUTING, {}},
+    {SQL_NEED_DATA, {}},
+    {SQL_NO_DATA, {}},
+    {SQL_INVALID_HANDLE, {}},
+    {7, {}},
+};
+
+enum class Expected { kDone, kRefused, kEither };
+enum class Transfer { kAny, kPlain, kSafe };
+
+// What an operation makes of one failing call. The first row that fits holds; without one, a
+// warning is none and everything else refuses the operation.
+struct Rule {
+  std::string_view operations;  // beginning of the name; empty: any
+  std::string_view function;    // empty: any
+  int rc;                       // or kAnyCode, kAnyFailure
+  Expected expected;
+  Generation generation = Generation::kFirst;
+  Transfer transfer = Transfer::kAny;
+};
+
+constexpr int kAnyCode = 1000;
+constexpr int kAnyFailure = 1001;  // all but a warning
+
+constexpr Generation k2 = Generation::kSecond;
+
+constexpr Rule kRules[] = {
+    // First generation. What tidies up, or has a second choice, refuses nothing.
+    {"", "SQLFreeHandle", kAnyCode, Expected::kDone},
+    {"", "SQLFreeStmt", kAnyCode, Expected::kDone},
+    {"close", "", kAnyCode, Expected::kDone},
+    {"releaseConnection", "", kAnyCode, Expected::kDone},
+    {"clearBatch", "", kAnyCode, Expected::kDone},
+    {"open again", "SQLEndTran", kAnyCode, Expected::kDone},
+    {"open again", "SQLDisconnect", kAnyCode, Expected::kDone},
+    {"", "SQLGetInfo", kAnyCode, Expected::kEither},
+    // The environment's failure is told when the connection is opened.
+    {"createConnection", "", kAnyCode, Expected::kDone},
+    // The batch's own attributes: the last one, its size, is needed.
+    {"executeBatch", "SQLSetStmtAttr", kAnyCode, Expected::kEither},
+    // A table that could not be dropped is created all the same, and the database has its say.
+    {"createTable", "", kAnyCode, Expected::kEither},
+    // "No data" is the end of rows, of results, and of an update that hits none.
+    {"next", "", SQL_NO_DATA, Expected::kEither},
+    {"get", "", SQL_NO_DATA, Expected::kEither},
+    {"metadata", "", SQL_NO_DATA, Expected::kEither},
+    {"executeBatch", "SQLExecute", SQL_NO_DATA, Expected::kRefused},
+    {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, Generation::kFirst, Transfer::kSafe},
+    // Kept: of all columns of a row only an error ends the row.
+    {"next", "SQLGetData", kAnyFailure, Expected::kEither},
+    {"get", "SQLGetData", kAnyFailure, Expected::kEither},
+    {"metadata", "SQLGetData", kAnyFailure, Expected::kEither},
+
+    // Second generation.
+    {"", "SQLFreeHandle", kAnyCode, Expected::kDone, k2},
+    {"releaseConnection2", "", kAnyCode, Expected::kDone, k2},
+    {"forced disconnect", "", kAnyCode, Expected::kDone, k2},
+    {"disconnect", "SQLFreeStmt", kAnyCode, Expected::kDone, k2},
+    {"releaseStatement", "SQLFreeStmt", kAnyCode, Expected::kEither, k2},
+    // Kept: the environment is never told of safe transfer, the connection is.
+    {"createConnection2", "SQLSetEnvAttr", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2},
+    {"createConnection2", "", SQL_SUCCESS_WITH_INFO, Expected::kEither, k2},
+    {"hasMoreData", "SQLFetch", SQL_NO_DATA, Expected::kDone, k2},
+    {"nextResultSet", "SQLMoreResults", kAnyCode, Expected::kEither, k2},
+    {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, k2, Transfer::kSafe},
+    // The end of a long value whose driver never tells how long it is.
+    {"nextRow", "SQLGetData", SQL_NO_DATA, Expected::kEither, k2, Transfer::kSafe},
+    {"nextRow", "SQLGetData", SQL_SUCCESS_WITH_INFO, Expected::kEither, k2, Transfer::kPlain},
+    // Kept: a warning is a failure where transfers are not safe.
+    {"", "", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2, Transfer::kPlain},
+};
+
+Expected expectedOf(const Operation& operation, bool safe, const std::string& function,
+                    SQLRETURN rc) {
+  for (const Rule& rule : kRules) {
+    const bool code = rule.rc == rc || rule.rc == kAnyCode ||
+                      (rule.rc == kAnyFailure && rc != SQL_SUCCESS_WITH_INFO);
+    const bool transfer =
+        rule.transfer == Transfer::kAny || (rule.transfer == Transfer::kSafe) == safe;
+    if (code && transfer && rule.generation == operation.generation &&
+        std::string_view(operation.name).starts_with(rule.operations) &&
+        (rule.function.empty() || rule.function == function)) {
+      return rule.expected;
+    }
+  }
+  return rc == SQL_SUCCESS_WITH_INFO ? Expected::kDone : Expected::kRefused;
+}
+
+// An operation in a world of its own, from its preparation to the end of everything.
+class Trial {
+ public:
+  Trial(Check& check, const Operation& operation, bool safe)
+      : check_(check), operation_(operation), world_(safe) {
+    operation.prepare(world_);
+    linesBefore_ = world_.logLines;
+    world_.odbc.takeLog();
+    before_ = world_.odbc.calls("");
+  }
+
+  World& world() { return world_; }
+  int calls() { return world_.odbc.calls("") - before_; }
+
+  Outcome run() {
+    check_.tried();
+    const Outcome outcome = operation_.run(world_);
+    faulted_ = world_.odbc.lastFault;
+    return outcome;
+  }
+
+  const std::string& faulted() const { return faulted_; }
+
+  // What must hold whatever failed: the refusal is told, the server can go on, and nothing is left
+  // behind.
+  void expectSound(Outcome outcome, const std::string& what) {
+    if (outcome == Outcome::kImpossible) check_.found(what + ": an impossible result");
+    if (outcome == Outcome::kRefused) expectTold(what);
+    forgetFaults();
+    world_.close();
+    Strings left = world_.odbc.liveHandles();
+    std::erase(left, "env");
+    // Kept: a second-generation connection that could not be made stays allocated.
+    const bool half = std::string_view(operation_.name) == "createConnection2";
+    if (!left.empty() && !half) check_.found(what + ": left a handle, " + left.front());
+    for (const std::string& misuse : world_.odbc.misuses) {
+      if (!isKept(misuse)) check_.found(what + ": " + misuse);
+    }
+  }
+
+ private:
+  // Uses of handles that are as they are on purpose.
+  bool isKept(const std::string& misuse) const {
+    const auto is = [&](std::string_view text) { return misuse.find(text) != misuse.npos; };
+    // A disconnect frees the statements' handles; without safe transfer they are freed again.
+    const bool second = operation_.generation == Generation::kSecond;
+    if (second && is("disconnected with live statements")) return true;
+    if (second && !world_.safe && is("on no live stmt")) return true;
+    // A handle that could not be made is asked why, and one that cannot be disconnected is freed.
+    return is("SQLGetDiagRec on no live") || is("freed a dbc that is connected");
+  }
+
+  void forgetFaults() {
+    Strings misuses = std::move(world_.odbc.misuses);
+    script(world_.odbc);
+    world_.odbc.misuses = std::move(misuses);
+  }
+
+  void expectTold(const std::string& what) {
+    if (operation_.generation == Generation::kFirst) {
+      // A column that the table does not have, because its scan ended early, is not told of.
+      const bool missing =
+          std::string_view(operation_.name).find("getTableColumn") != std::string_view::npos;
+      if (world_.logLines == linesBefore_ && !missing)
+        check_.found(what + ": refused without a log line");
+    } else if (std::string_view(world_.error->getErrorString()).empty()) {
+      check_.found(what + ": refused without an error record");
+    }
+  }
+
+  Check& check_;
+  const Operation& operation_;
+  World world_;
+  int before_ = 0;
+  std::uint64_t linesBefore_ = 0;
+  std::string faulted_;
+};
+
+std::string describe(const Operation& operation, bool safe, int call, const fake::Answer& answer) {
+  return std::string(operation.name) + (safe ? ", safe" : "") + ", call " + std::to_string(call) +
+         " answers " + std::to_string(answer.rc) + (answer.records.empty() ? "" : " with record");
+}
+
+int countCalls(Check& check, const Operation& operation, bool safe) {
+  Trial trial(check, operation, safe);
+  const Outcome outcome = trial.run();
+  const int calls = trial.calls();
+  const std::string what = std::string(operation.name) + (safe ? ", safe" : "");
+  if (outcome != Outcome::kDone) check.found(what + ": does not succeed without a fault");
+  trial.expectSound(outcome, what);
+  return calls;
+}
+
+void tryFault(Check& check, const Operation& operation, bool safe, int call,
+              const fake::Answer& answer, bool fromThenOn) {
+  Trial trial(check, operation, safe);
+  trial.world().odbc.fail("", call, answer, fromThenOn);
+  const Outcome outcome = trial.run();
+  const std::string what = describe(operation, safe, call, answer) +
+                           (fromThenOn ? " from then on" : "") + " (" + trial.faulted() + ")";
+  if (trial.faulted().empty()) check.found(what + ": the call was not made");
+  if (!fromThenOn) {
+    const Expected expected = expectedOf(operation, safe, trial.faulted(), answer.rc);
+    if (expected == Expected::kDone && outcome != Outcome::kDone) check.found(what + ": refused");
+    if (expected == Expected::kRefused && outcome == Outcome::kDone) check.found(what + ": done");
+  }
+  trial.expectSound(outcome, what);
+}
+
+}  // namespace
+
+bool checkFaults(const Options&) {
+  Check check("faults");
+  for (const Operation& operation : operations()) {
+    for (const bool safe : {false, true}) {
+      const int calls = countCalls(check, operation, safe);
+      for (int call = 1; call <= calls; ++call) {
+        for (const fake::Answer& answer : kAnswers) {
+          tryFault(check, operation, safe, call, answer, false);
+          tryFault(check, operation, safe, call, answer, true);
+        }
+      }
+    }
+  }
+  return check.report();
+}
+
+bool checkFaultPairs(const Options& options) {
+  Check check("pairs of faults");
+  std::mt19937_64 random(options.seed);
+  const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
+  std::vector<int> calls;
+  for (const Operation& operation : operations()) {
+    calls.push_back(countCalls(check, operation, false));
+  }
+  for (std::uint64_t i = 0; i < options.count;) {
+    const std::size_t at = below(operations().size());
+    if (calls[at] == 0) continue;
+    const Operation& operation = operations()[at];
+    const bool safe = below(2) == 1;
+    const int first = 1 + static_cast<int>(below(static_cast<std::size_t>(calls[at])));
+    const int second = first + 1 + static_cast<int>(below(6));
+    const fake::Answer& answer = kAnswers[below(std::size(kAnswers))];
+    const fake::Answer& other = kAnswers[below(std::size(kAnswers))];
+    Trial trial(check, operation, safe);
+    trial.world().odbc.fail("", first, answer);
+    trial.world().odbc.fail("", second, other);
+    const Outcome outcome = trial.run();
+    trial.expectSound(outcome, describe(operation, safe, first, answer) + ", call " +
+                                   std::to_string(second) + " answers " + std::to_string(other.rc));
+    ++i;
+  }
+  return check.report();
+}
+
+}  // namespace verify

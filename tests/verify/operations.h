@@ -1,0 +1,24 @@
+#pragma once
+
+#include <span>
+
+#include "tests/verify/world.h"
+
+namespace verify {
+
+enum class Generation { kFirst, kSecond };
+
+// One thing that a server does with the plug-in. In a world without what it needs (an open
+// connection, a statement, rows) `run` must still be safe to call, or be skipped: `possible`.
+struct Operation {
+  const char* name;
+  Generation generation;
+  void (*prepare)(World&);
+  Outcome (*run)(World&);
+  bool (*possible)(const World&);
+};
+
+// Every operation of both generations' interfaces and of the metadata object.
+std::span<const Operation> operations();
+
+}  // namespace verify
