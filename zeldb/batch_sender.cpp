@@ -290,7 +290,7 @@ bool BatchSender::settle(Batch part, const Failure& doubt) {
 bool BatchSender::isThere(Batch part, const Failure& doubt) {
   Session& session = target_.session();
   if (ledgerTells_) {
-    const bool committed = *ledger_->isCommitted(session);
+    const bool committed = ledger_->isCommitted(session).value_or(false);
     session.rollback();
     return committed;
   }

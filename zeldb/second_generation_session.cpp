@@ -158,7 +158,7 @@ SecondGenerationSession::SecondGenerationSession(db::Driver& driver, const Servi
 }
 
 SecondGenerationSession::~SecondGenerationSession() {
-  rollback();
+  connection_->rollback(nullptr);
 }
 
 void SecondGenerationSession::Release::operator()(db::Connection2* connection) const {

@@ -128,6 +128,7 @@ std::string TablePreparation::createStatement(const CsvRecord& header,
   }
   if (!keys_.empty()) {
     std::vector<std::string> quoted;
+    quoted.reserve(keys_.size());
     for (const std::string& key : keys_) {
       quoted.push_back(quotedIdentifier(key, databaseType));
     }

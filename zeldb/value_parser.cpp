@@ -26,7 +26,7 @@ constexpr const char* kMidnight = "T00:00:00";
 constexpr int kMaxSecondDigits = 6;
 
 struct SpecialFloat {
-  std::string_view text;
+  const char* text;
   double value;
 };
 
@@ -225,11 +225,9 @@ bool ValueParser::hasRoomFor(const std::string& text) {
 }
 
 bool ValueParser::parseFloat(const std::string& text, DataTypes::DataValue& value) {
-  const auto* const special =
-      std::find_if(kSpecialFloats.begin(), kSpecialFloats.end(), [&](const SpecialFloat& row) {
-        return row.text.size() == text.size() &&
-               strncasecmp(row.text.data(), text.data(), text.size()) == 0;
-      });
+  const auto* const special = std::find_if(
+      kSpecialFloats.begin(), kSpecialFloats.end(),
+      [&](const SpecialFloat& row) { return strcasecmp(row.text, text.c_str()) == 0; });
   if (special == kSpecialFloats.end()) {
     return hasRoomFor(text) && parsePlain(text, value);
   }
