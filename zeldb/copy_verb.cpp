@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 
 #include "zeldb/connector.h"
 #include "zeldb/failure.h"
 #include "zeldb/generation_option.h"
 #include "zeldb/insert_plan.h"
+#include "zeldb/load_monitor.h"
+#include "zeldb/load_run.h"
 #include "zeldb/table_records.h"
 
 namespace zeldb {
@@ -44,16 +45,19 @@ CLI::App* CopyVerb::declare(CLI::App& app) {
 void CopyVerb::run(Connector& connector) {
   const Place from = placeFrom(from_);
   const Place to = placeFrom(to_);
-  const Service target = connector.service(to.service);
-  const auto source = connector.connect(connector.service(from.service), generation_);
-  const auto rows = source->readTable(from.table);
-  TableRecords records(*rows, from_);
-  const CsvRecord& header = *records.next();
-  const InsertPlan plan = planInsert(*connector.connect(target), to.table, records, header, {});
-  const auto session = connector.connect(target, generation_);
-  const auto count = Loader(*session, records, plan, options_).run();
-  std::cout << fmt::format("{} row{} {} to {}\n", count, count == 1 ? "" : "s",
-                           options_.dryRun ? "would be copied" : "copied", to_);
+  LoadMonitor monitor("copy", to.service, to.table, options_);
+  monitor.watch([&] {
+    const Service target = connector.service(to.service);
+    const auto source = connector.connect(connector.service(from.service), generation_);
+    const auto rows = source->readTable(from.table);
+    TableRecords records(*rows, from_);
+    CsvRecord header;
+    records.next(header);
+    const InsertPlan plan = planInsert(*connector.connect(target), to.table, records, header, {});
+    const auto connect = [&] { return connector.connect(target, generation_); };
+    runLoader(records, {connect, to.table, plan}, options_, monitor,
+              fmt::format("{} to {}", options_.dryRun ? "would be copied" : "copied", to_));
+  });
 }
 
 }  // namespace zeldb

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "zeldb/loader.h"
+#include "zeldb/load_options.h"
 #include "zeldb/verb.h"
 
 namespace zeldb {

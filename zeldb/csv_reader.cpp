@@ -2,6 +2,7 @@
 
 #include <csv.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -26,13 +27,13 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 // `ready`.
 struct CsvReader::Parser {
   csv_parser csv{};
-  std::deque<CsvRecord> ready;     // complete records, oldest first
-  CsvRecord handedOut;             // the record that the caller looks at
-  std::vector<CsvRecord> spare;    // handed out before: their storage is used again
-  CsvRecord open;                  // the record being read
-  std::size_t openFields = 0;      // its fields so far
-  std::uint64_t line = 1;          // of the next byte
-  std::uint64_t pendingBytes = 0;  // since the last complete record
+  std::deque<CsvRecord> ready;   // complete records, oldest first
+  std::vector<CsvRecord> spare;  // handed out before: their storage is used again
+  CsvRecord open;                // the record being read
+  std::size_t openFields = 0;    // its fields so far
+  std::uint64_t line = 1;        // of the next byte
+  std::uint64_t byte = 0;        // of the file, behind what has been parsed
+  std::uint64_t recordByte = 0;  // where the last complete record ended
   int lastLineEnd = 0;
   std::size_t headerFields = 0;
 
@@ -69,8 +70,8 @@ struct CsvReader::Parser {
         onField(nullptr, 0);
         lastLineEnd = end;
       }
-      completeRecord();
       ++line;
+      completeRecord();
     }
   }
 
@@ -78,6 +79,8 @@ struct CsvReader::Parser {
     if (openFields > 0) {
       headerFields = headerFields == 0 ? openFields : headerFields;
       open.fields.resize(openFields);
+      open.endByte = byte;
+      open.endLine = line;
       ready.push_back(std::move(open));
       openFields = 0;
       open = CsvRecord();
@@ -86,14 +89,13 @@ struct CsvReader::Parser {
         spare.pop_back();
       }
     }
-    pendingBytes = 0;
+    recordByte = byte;
   }
 
-  const CsvRecord* handOut() {
-    spare.push_back(std::move(handedOut));
-    handedOut = std::move(ready.front());
+  void handOut(CsvRecord& record) {
+    std::swap(record, ready.front());
+    spare.push_back(std::move(ready.front()));
     ready.pop_front();
-    return &handedOut;
   }
 
   static void fieldCallback(void* text, std::size_t length, void* self) {
@@ -118,33 +120,58 @@ CsvReader::CsvReader(const std::filesystem::path& path, char delimiter)
 
 CsvReader::~CsvReader() = default;
 
-const CsvRecord* CsvReader::next() {
+bool CsvReader::next(CsvRecord& record) {
   while (parser_->ready.empty() && !atEnd_) {
     readChunk();
   }
   if (parser_->ready.empty()) {
-    return nullptr;
+    return false;
   }
-  return parser_->handOut();
+  parser_->handOut(record);
+  return true;
+}
+
+void CsvReader::seek(std::uint64_t byte, std::uint64_t line) {
+  if (byte == 0 || byte > sizeBytes_ ||
+      lseek(fileno(file_.get()), static_cast<off_t>(byte - 1), SEEK_SET) < 0) {
+    throw Failure(ExitCode::kFile,
+                  fmt::format("{}: there is no byte {} to go on at", path_.string(), byte));
+  }
+  Parser& old = *parser_;
+  auto parser = std::make_unique<Parser>(static_cast<char>(old.csv.delim_char));
+  parser->headerFields = old.headerFields;
+  parser->line = line;
+  parser->byte = parser->recordByte = bytesRead_ = byte;
+  // A record may have ended between the two characters of a line's end.
+  char before = 0;
+  parser->lastLineEnd = read(fileno(file_.get()), &before, 1) == 1 ? before : 0;
+  parser_ = std::move(parser);
+  bomChecked_ = true;
+  atEnd_ = false;
 }
 
 void CsvReader::readChunk() {
   Parser& parser = *parser_;
-  const std::size_t length = std::fread(buffer_.data(), 1, buffer_.size(), file_.get());
-  if (std::ferror(file_.get()) != 0) {
+  // As much as there is: a pipe's writer may pause.
+  const ssize_t got = read(fileno(file_.get()), buffer_.data(), buffer_.size());
+  if (got < 0) {
+    const int cause = errno;
     Interrupt::check();
-    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(errno)));
+    if (cause == EINTR) {
+      return;
+    }
+    throw Failure(ExitCode::kFile, fmt::format("{}: {}", path_.string(), std::strerror(cause)));
   }
+  const auto length = static_cast<std::size_t>(got);
   std::string_view chunk(buffer_.data(), length);
   skipByteOrderMark(chunk);
   bytesRead_ += length;
-  parser.pendingBytes += length;
-  const std::size_t used = csv_parse(&parser.csv, chunk.data(), chunk.size(), Parser::fieldCallback,
-                                     Parser::lineCallback, &parser);
-  if (used != chunk.size()) {
-    failMalformed("a quote in a field that is not quoted, or text behind a closing quote");
+  while (!chunk.empty()) {
+    const std::size_t end = std::min(chunk.find('\n'), chunk.size() - 1) + 1;
+    parseLine(chunk.substr(0, end));
+    chunk.remove_prefix(end);
   }
-  if (parser.pendingBytes > kMaxRecordBytes) {
+  if (parser.byte - parser.recordByte > kMaxRecordBytes) {
     failMalformed("a record of more than 256 MiB; is a quote not closed?");
   }
   if (length == 0) {
@@ -155,10 +182,28 @@ void CsvReader::readChunk() {
   }
 }
 
-void CsvReader::skipByteOrderMark(std::string_view& chunk) const {
-  if (bytesRead_ == 0 && chunk.starts_with(kByteOrderMark)) {
-    chunk.remove_prefix(kByteOrderMark.size());
+// The parser does not tell where in a text a record is complete, so that it gets at most the end of
+// one line at a time. The text has a line feed at its end at most.
+void CsvReader::parseLine(std::string_view text) {
+  Parser& parser = *parser_;
+  while (!text.empty()) {
+    std::size_t end = std::min(text.find('\r'), text.size() - 1) + 1;
+    end += text.substr(end) == "\n" ? 1 : 0;
+    parser.byte += end;
+    if (csv_parse(&parser.csv, text.data(), end, Parser::fieldCallback, Parser::lineCallback,
+                  &parser) != end) {
+      failMalformed("a quote in a field that is not quoted, or text behind a closing quote");
+    }
+    text.remove_prefix(end);
   }
+}
+
+void CsvReader::skipByteOrderMark(std::string_view& chunk) {
+  if (!bomChecked_ && chunk.starts_with(kByteOrderMark)) {
+    chunk.remove_prefix(kByteOrderMark.size());
+    parser_->byte += kByteOrderMark.size();
+  }
+  bomChecked_ = true;
 }
 
 void CsvReader::failMalformed(const char* reason) const {

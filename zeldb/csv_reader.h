@@ -25,9 +25,13 @@ class CsvReader : public RecordSource {
   CsvReader(const CsvReader&) = delete;
   CsvReader& operator=(const CsvReader&) = delete;
 
-  // The next record, valid until the next call, or null at the end. Throws Failure that names file,
-  // line and field when the text is malformed or the file cannot be read.
-  const CsvRecord* next() override;
+  // Throws Failure that names file, line and field when the text is malformed or the file cannot be
+  // read.
+  bool next(CsvRecord& record) override;
+
+  // Goes on at a place that a record of the same file has ended at. The header must have been
+  // read. Throws Failure when the file has no such place.
+  void seek(std::uint64_t byte, std::uint64_t line);
 
   // "FILE:LINE:FIELD"
   std::string place(std::uint64_t line, std::size_t field) const override;
@@ -43,7 +47,8 @@ class CsvReader : public RecordSource {
   };
 
   void readChunk();
-  void skipByteOrderMark(std::string_view& chunk) const;
+  void parseLine(std::string_view text);
+  void skipByteOrderMark(std::string_view& chunk);
   [[noreturn]] void failMalformed(const char* reason) const;
 
   std::filesystem::path path_;
@@ -52,6 +57,7 @@ class CsvReader : public RecordSource {
   std::vector<char> buffer_;
   std::uint64_t bytesRead_ = 0;
   std::uint64_t sizeBytes_ = 0;
+  bool bomChecked_ = false;
   bool atEnd_ = false;
 };
 

@@ -30,8 +30,17 @@ std::string DriverLog::explanation() const {
   return firstKey_.empty() ? "the driver gives no reason" : firstKey_;
 }
 
+Failure DriverLog::failure(ExitCode code, const std::string& text) const {
+  const Diagnostic why = diagnostic_.value_or(Diagnostic());
+  return {code, text, why.state, why.native};
+}
+
 void DriverLog::receive(const KORVEX::Zel::LogMessage& message) {
-  spdlog::debug("driver: {} {} {}", message.key, message.text1, message.text2);
+  if (previous_) {
+    previous_(message);
+  } else {
+    spdlog::debug("driver: {} {} {}", message.key, message.text1, message.text2);
+  }
   if (firstKey_.empty()) {
     firstKey_ = message.key;
   }

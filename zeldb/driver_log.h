@@ -5,11 +5,12 @@
 
 #include "standin/log_sink.h"
 #include "zeldb/diagnostic.h"
+#include "zeldb/failure.h"
 
 namespace zeldb {
 
-// Receives what the driver logs while it lives, so that a failing operation can be explained. One
-// at a time, for one thread.
+// Receives what the driver logs while it lives, so that a failing operation can be explained. The
+// last one made is the first to go; all of them receive everything. For one thread.
 class DriverLog {
  public:
   DriverLog();
@@ -28,6 +29,9 @@ class DriverLog {
 
   // Why the operation failed, in one line: the diagnostic, or the key of the first message.
   std::string explanation() const;
+
+  // A failure with the diagnostic's SQLSTATE and number, where there is one.
+  Failure failure(ExitCode code, const std::string& text) const;
 
  private:
   void receive(const KORVEX::Zel::LogMessage& message);

@@ -38,11 +38,14 @@ std::string ErrorRecord::explanation() const {
 
 void ErrorRecord::check(int result, const char* what) const {
   if (result != 0) {
-    const auto diagnostic =
-        Diagnostic::fromRecord(record_->getErrorString(), record_->getNativeErrorCode());
-    throw Failure(exitCode(), fmt::format("{}: {}", what, explanation()),
-                  diagnostic ? diagnostic->state : std::string());
+    const Diagnostic why = diagnostic();
+    throw Failure(exitCode(), fmt::format("{}: {}", what, explanation()), why.state, why.native);
   }
+}
+
+Diagnostic ErrorRecord::diagnostic() const {
+  return Diagnostic::fromRecord(record_->getErrorString(), record_->getNativeErrorCode())
+      .value_or(Diagnostic());
 }
 
 }  // namespace zeldb

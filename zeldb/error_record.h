@@ -20,6 +20,8 @@ class ErrorRecord {
   bool connectionIsLost() const;
   ExitCode exitCode() const;
   std::string explanation() const;
+  // Taken apart; empty when the record has no such form.
+  Diagnostic diagnostic() const;
 
   // Throws Failure that says what failed and why, when the result of an operation is not 0.
   void check(int result, const char* what) const;

@@ -9,6 +9,7 @@
 #include "zeldb/column_type.h"
 #include "zeldb/even_batch_writer.h"
 #include "zeldb/failure.h"
+#include "zeldb/failure_kind.h"
 
 namespace zeldb {
 namespace {
@@ -16,9 +17,7 @@ namespace {
 namespace db = KORVEX::Zel::DB;
 
 [[noreturn]] void fail(const DriverLog& log, const std::string& what) {
-  const Diagnostic* const diagnostic = log.diagnostic();
-  throw Failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()),
-                diagnostic != nullptr ? diagnostic->state : std::string());
+  throw log.failure(log.exitCode(), fmt::format("{}: {}", what, log.explanation()));
 }
 
 void check(db::ResultCode result, const DriverLog& log, const char* what) {
@@ -163,8 +162,8 @@ FirstGenerationSession::FirstGenerationSession(db::Driver& driver, const Service
   connection_->setServiceName(service.name);
   if (connection_->open() != db::kSuccess) {
     const bool timeout = log_.exitCode() == ExitCode::kTimeout;
-    throw Failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
-                  fmt::format("service \"{}\": {}", service.name, log_.explanation()));
+    throw log_.failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
+                       fmt::format("service \"{}\": {}", service.name, log_.explanation()));
   }
 }
 
@@ -247,14 +246,9 @@ std::unique_ptr<BatchWriter> FirstGenerationSession::insert(const std::string& s
 
 void FirstGenerationSession::commit() {
   log_.clear();
-  if (connection_->commit() == db::kSuccess) {
-    return;
+  if (connection_->commit() != db::kSuccess) {
+    throw commitFailure(log_.failure(log_.exitCode(), log_.explanation()));
   }
-  if (log_.exitCode() != ExitCode::kSql) {
-    throw Failure(ExitCode::kInDoubt, fmt::format("in doubt, the answer to the commit was lost: {}",
-                                                  log_.explanation()));
-  }
-  fail(log_, "commit");
 }
 
 void FirstGenerationSession::rollback() noexcept {

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "datatypes/type_code.h"
+#include "zeldb/column_limits.h"
 #include "zeldb/failure.h"
 #include "zeldb/identifier_quotes.h"
 
@@ -55,11 +56,11 @@ void checkTypesAreUsed(const std::map<std::string, unsigned int>& types, const C
   }
 }
 
-std::string insertStatement(const std::string& table, const std::vector<ResultColumn>& columns,
+std::string insertStatement(const std::string& table, const std::vector<TargetColumn>& columns,
                             const std::string& databaseType) {
   std::string names;
   std::string markers;
-  for (const ResultColumn& column : columns) {
+  for (const TargetColumn& column : columns) {
     const char* const comma = names.empty() ? "" : ", ";
     names += comma + quotedIdentifier(column.name, databaseType);
     markers += fmt::format("{}?", comma);
@@ -75,6 +76,8 @@ InsertPlan planInsert(FirstGenerationSession& session, const std::string& table,
   checkTypesAreUsed(types, header, source);
   const std::vector<ResultColumn> known = columnsOf(session, table);
   InsertPlan plan;
+  plan.product = &productOf(session);
+  const auto limits = columnLimits(session, *plan.product, table);
   std::set<std::string> used;
   for (std::size_t at = 0; at < header.fields.size(); ++at) {
     const std::string& name = header.fields[at].text;
@@ -91,9 +94,13 @@ InsertPlan planInsert(FirstGenerationSession& session, const std::string& table,
       fail(" left, it comes twice");
     }
     const auto type = types.find(name);
-    plan.columns.push_back({column->name, type != types.end() ? type->second : column->type});
+    const auto narrower = limits.find(column->name);
+    const ValueLimits limit = narrower != limits.end() ? narrower->second : limitsOf(*plan.product);
+    plan.columns.push_back(
+        {column->name, type != types.end() ? type->second : column->type, limit});
   }
-  plan.sql = insertStatement(table, plan.columns, session.databaseType());
+  plan.databaseType = session.databaseType();
+  plan.sql = insertStatement(table, plan.columns, plan.databaseType);
   return plan;
 }
 

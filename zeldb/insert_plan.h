@@ -4,17 +4,27 @@
 #include <string>
 #include <vector>
 
+#include "zeldb/database_product.h"
 #include "zeldb/first_generation_session.h"
 #include "zeldb/record_source.h"
-#include "zeldb/row_writer.h"
+#include "zeldb/value_limits.h"
 
 namespace zeldb {
+
+// A column that fields go into, with what its values may be.
+struct TargetColumn {
+  std::string name;
+  unsigned int type = 0;  // type code
+  ValueLimits limits;
+};
 
 // How the fields of records go into a table: the table's columns in the order of the header,
 // and the INSERT statement with a marker for each.
 struct InsertPlan {
-  std::vector<ResultColumn> columns;
+  std::vector<TargetColumn> columns;
   std::string sql;
+  std::string databaseType;  // the driver's name for the kind of database
+  const ProductTraits* product = nullptr;
 };
 
 // Matches the header with the columns of the table, letter by letter or, where that is unambiguous,

@@ -6,6 +6,7 @@ namespace zeldb {
 namespace {
 
 constexpr std::size_t kMaxBatchRows = 100000;
+constexpr unsigned kMaxRetries = 1000;
 
 }  // namespace
 
@@ -21,7 +22,18 @@ void addLoadOptions(CLI::App& verb, LoadOptions& options) {
           ->excludes(once);
   verb.add_option("--max-errors", options.maxErrors, "Stop when more rows than this are bad")
       ->needs(rejects);
-  verb.add_flag("--dry-run", options.dryRun, "Send everything, and roll it back");
+  verb.add_flag("--dry-run", options.dryRun,
+                "Send everything in one transaction, and roll it back");
+  verb.add_option("--retries", options.retries,
+                  "Try a batch again that failed for a lost link, a lock or a deadlock")
+      ->check(CLI::Range(0U, kMaxRetries))
+      ->excludes(once)
+      ->capture_default_str();
+  verb.add_option("--key", options.keys,
+                  "COLUMN,... that tell rows apart, to look for those that are in doubt")
+      ->delimiter(',');
+  verb.add_option("--metrics", options.metrics, "File for counts, in Prometheus' text form")
+      ->type_name("FILE");
 }
 
 }  // namespace zeldb

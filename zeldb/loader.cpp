@@ -2,213 +2,112 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
-#include <string_view>
-
 #include "zeldb/failure.h"
 #include "zeldb/interrupt.h"
 
 namespace zeldb {
-namespace {
 
-// SQLSTATEs of values that do not fit their column, and of rows with too few or too many of them.
-constexpr const char* kBadValueState = "22018";
-constexpr const char* kFieldCountState = "21S01";
-
-// Classes of SQLSTATE that are not the fault of a row: transaction state, rollback, statement or
-// rights, resources, operator's intervention.
-constexpr std::array<std::string_view, 5> kNotOfRows = {"25", "40", "42", "53", "57"};
-
-bool isFaultOfRow(const Failure& failure) {
-  return failure.exitCode() == ExitCode::kSql &&
-         std::none_of(kNotOfRows.begin(), kNotOfRows.end(),
-                      [&](std::string_view prefix) { return failure.state().starts_with(prefix); });
+Loader::Loader(RecordSource& source, const LoadTarget& target, const LoadOptions& options,
+               LoadMonitor& monitor, Ledger* ledger)
+    : source_(source),
+      options_(options),
+      monitor_(monitor),
+      ledger_(ledger),
+      target_(target.connect, target.plan.sql),
+      sender_(target_, RowParser(target.plan.columns, options.nullText), source, options_,
+              monitor.counts(), *target.plan.product) {
+  if (!options.keys.empty()) {
+    sender_.lookBy(lookup_.emplace(target.table, options.keys, target.plan));
+  }
+  openRejects(ledger);
+  if (!target.prelude.empty()) {
+    target_.session().update(target.prelude, {});
+  }
+  if (ledger != nullptr) {
+    sender_.noteIn(*ledger);
+  }
 }
 
-}  // namespace
-
-Loader::Loader(Session& session, RecordSource& source, const InsertPlan& plan,
-               const LoadOptions& options)
-    : session_(session),
-      source_(source),
-      options_(options),
-      sql_(plan.sql),
-      batch_(session.insert(plan.sql)),
-      row_(plan.columns.size()) {
-  for (const ResultColumn& column : plan.columns) {
-    columns_.push_back({column.name, ValueParser(column.type)});
+void Loader::openRejects(const Ledger* ledger) {
+  const LoadPosition reached = ledger != nullptr ? ledger->state().reached : LoadPosition();
+  if (options_.rejects.empty()) {
+    if (reached.rejected > 0) {
+      throw Failure(ExitCode::kUsage,
+                    "the load to be resumed named bad rows; --rejects is missing");
+    }
+    return;
   }
-  for (std::size_t at = 0; at < row_.size(); ++at) {
-    row_[at].type = columns_[at].parser.valueType();
-  }
-  if (!options_.rejects.empty()) {
+  if (reached.rejectsBytes > 0) {
+    rejects_.emplace(options_.rejects, options_.maxErrors,
+                     RejectsFile::Mark{reached.rejectsBytes, reached.rejected});
+  } else {
     rejects_.emplace(options_.rejects, options_.maxErrors);
   }
+  sender_.nameRejectsIn(*rejects_);
 }
 
 std::uint64_t Loader::run() {
   try {
     loadAll();
   } catch (const Failure& failure) {
-    session_.rollback();
-    throw Failure(failure.exitCode(), fmt::format("{}; {} rows are committed", failure.what(),
-                                                  options_.dryRun ? 0 : doneRows_));
+    target_.rollback();
+    throw failure.retold(fmt::format("{}; {} rows are committed{}", failure.what(),
+                                     sender_.committed(),
+                                     ledger_ != nullptr ? "; --resume goes on behind them" : ""));
   }
-  return doneRows_;
+  return sender_.done();
+}
+
+std::string Loader::rejectsSummary() const {
+  return rejects_ && rejects_->count() > 0 ? rejects_->summary() : std::string();
 }
 
 void Loader::loadAll() {
-  while (const CsvRecord* const record = source_.next()) {
-    Interrupt::check();
-    if (rejects_) {
-      keepRecord(*record);
-    } else {
-      addRecord(*record);
-    }
-    if (batchedRows_ + kept_.size() == options_.batchRows) {
-      finishBatch();
-    }
-  }
-  finishBatch();
-  commit();
-  if (rejects_ && rejects_->count() > 0) {
-    throw Failure(ExitCode::kRowsRejected, rejects_->summary());
-  }
-}
-
-void Loader::fillRow(const CsvRecord& record) {
-  if (record.fields.size() != columns_.size()) {
-    throw Failure(
-        ExitCode::kRowsRejected,
-        fmt::format("{}: the row has {} fields, the header {}",
-                    source_.place(record.line, std::min(record.fields.size(), columns_.size())),
-                    record.fields.size(), columns_.size()),
-        kFieldCountState);
-  }
-  for (std::size_t at = 0; at < columns_.size(); ++at) {
-    const CsvField& field = record.fields[at];
-    DataTypes::DataValue& value = row_[at].value;
-    if (field.empty || field.text == options_.nullText) {
-      value.clear();
-      value.setNull();
-    } else if (!columns_[at].parser.parse(field.text, value)) {
-      throw Failure(ExitCode::kRowsRejected,
-                    fmt::format("{}: column \"{}\": {}: \"{}\"", source_.place(record.line, at),
-                                columns_[at].name, columns_[at].parser.reason(), field.text),
-                    kBadValueState);
-    }
-  }
-}
-
-void Loader::addRecord(const CsvRecord& record) {
-  fillRow(record);
-  if (batchedRows_ + sentRows_ == 0) {
-    firstLine_ = record.line;
-  }
-  lastLine_ = record.line;
-  try {
-    batch_->add(row_);
-  } catch (const Failure& failure) {
-    throw Failure(failure.exitCode(),
-                  fmt::format("{}: {}", source_.place(record.line, 0), failure.what()));
-  }
-  ++batchedRows_;
-}
-
-void Loader::keepRecord(const CsvRecord& record) {
-  try {
-    fillRow(record);
-    kept_.push_back(record);
-  } catch (const Failure& failure) {
-    rejects_->add(record.line, failure);
-  }
-}
-
-void Loader::finishBatch() {
-  if (rejects_) {
-    sendKept(kept_);
-    kept_.clear();
-  } else {
-    sendBatch();
-  }
-  progress_.update(doneRows_ + sentRows_, source_.bytesRead(), source_.sizeBytes());
-}
-
-void Loader::sendBatch() {
-  if (batchedRows_ == 0) {
+  if (ledger_ != nullptr && ledger_->state().complete) {
     return;
   }
-  namingLines([this] { batch_->send(); });
-  sentRows_ += batchedRows_;
-  batchedRows_ = 0;
-  if (!options_.oneTransaction) {
-    commit();
+  if (const auto intent = ledger_ != nullptr ? ledger_->state().intent : std::nullopt) {
+    settleDoubted(*intent);
   }
+  for (BatchSender::Batch batch = readBatch(); !batch.empty(); batch = readBatch()) {
+    sender_.send(batch);
+    monitor_.update(sender_.done(), source_.bytesRead(), source_.sizeBytes());
+  }
+  sender_.finish();
 }
 
-void Loader::sendKept(std::span<const CsvRecord> records) {
-  if (records.empty()) {
-    return;
+void Loader::settleDoubted(const Ledger::Intent& intent) {
+  std::size_t size = 0;
+  while (readRecord(size)) {
+    if (batch_[size++].record.endByte >= intent.to.byte) {
+      break;
+    }
   }
+  sender_.sendDoubted(BatchSender::Batch(batch_).first(size), intent);
+  batch_.clear();
+}
+
+bool Loader::readRecord(std::size_t at) {
   Interrupt::check();
-  firstLine_ = records.front().line;
-  lastLine_ = records.back().line;
-  try {
-    namingLines([&] { insertKept(records); });
-    commit();
-    return;
-  } catch (const Failure& failure) {
-    if (!isFaultOfRow(failure)) {
-      throw;
-    }
-    startAfresh();
-    if (records.size() == 1) {
-      rejects_->add(records.front().line, failure);
-      return;
-    }
+  if (at == batch_.size()) {
+    batch_.emplace_back();
   }
-  const std::size_t half = records.size() / 2;
-  sendKept(records.first(half));
-  sendKept(records.subspan(half));
+  batch_[at].fault.reset();
+  if (!source_.next(batch_[at].record)) {
+    return false;
+  }
+  LoadCounts& counts = monitor_.counts();
+  ++counts.rowsRead;
+  counts.bytesRead = source_.bytesRead();
+  return true;
 }
 
-void Loader::insertKept(std::span<const CsvRecord> records) {
-  for (const CsvRecord& record : records) {
-    fillRow(record);
-    batch_->add(row_);
+BatchSender::Batch Loader::readBatch() {
+  std::size_t size = 0;
+  while (size < options_.batchRows && readRecord(size)) {
+    ++size;
   }
-  batch_->send();
-  sentRows_ = records.size();
-}
-
-// The old writer goes first: a session has room for one.
-void Loader::startAfresh() {
-  sentRows_ = 0;
-  batch_.reset();
-  session_.rollback();
-  batch_ = session_.insert(sql_);
-}
-
-void Loader::commit() {
-  if (options_.dryRun) {
-    session_.rollback();
-  } else {
-    namingLines([this] { session_.commit(); });
-  }
-  doneRows_ += sentRows_;
-  sentRows_ = 0;
-}
-
-template <typename Step>
-void Loader::namingLines(Step step) const {
-  try {
-    step();
-  } catch (const Failure& failure) {
-    throw Failure(failure.exitCode(),
-                  fmt::format("{}: {}", source_.range(firstLine_, lastLine_), failure.what()),
-                  failure.state());
-  }
+  return BatchSender::Batch(batch_).first(size);
 }
 
 }  // namespace zeldb

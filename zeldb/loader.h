@@ -1,72 +1,64 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
+#include "zeldb/batch_sender.h"
+#include "zeldb/batch_target.h"
 #include "zeldb/insert_plan.h"
+#include "zeldb/key_lookup.h"
+#include "zeldb/ledger.h"
+#include "zeldb/load_monitor.h"
 #include "zeldb/load_options.h"
-#include "zeldb/progress.h"
 #include "zeldb/record_source.h"
 #include "zeldb/rejects_file.h"
-#include "zeldb/session.h"
-#include "zeldb/value_parser.h"
 
 namespace zeldb {
+
+// Where the rows of a load go.
+struct LoadTarget {
+  BatchTarget::Connect connect;
+  std::string table;
+  InsertPlan plan;
+  std::string prelude{};  // statement that runs first, in the first transaction; empty for none
+};
 
 // Moves the records of a source into a table, a batch at a time. What is committed is always whole
 // batches; of a batch with bad rows, when those are to be named, all its good rows.
 class Loader {
  public:
-  Loader(Session& session, RecordSource& source, const InsertPlan& plan,
-         const LoadOptions& options);
+  // Connects. The source stands behind its header or, with a ledger, where that says.
+  Loader(RecordSource& source, const LoadTarget& target, const LoadOptions& options,
+         LoadMonitor& monitor, Ledger* ledger = nullptr);
 
   // Loads all records behind the header and returns the number of those that are in the table, or
-  // would be without a dry run. Throws Failure: the open transaction is rolled back, and the text
-  // tells how many rows stay committed. It does so at the first record that does not fit or is
-  // refused; or, with a file for rejects, when there are too many of them or at the end.
+  // would be without a dry run; with a ledger, of those of the earlier loads as well. Throws
+  // Failure: the open transaction is rolled back, and the text tells how many rows stay committed.
+  // It does so at the first record that does not fit or is refused; or, with a file for rejects,
+  // when there are too many of them. Throws nothing for rejects named.
   std::uint64_t run();
 
+  // What became of bad rows, in one line; empty when there were none.
+  std::string rejectsSummary() const;
+
  private:
-  struct Column {
-    std::string name;
-    ValueParser parser;
-  };
-
+  void openRejects(const Ledger* ledger);
   void loadAll();
-  void fillRow(const CsvRecord& record);
-  void addRecord(const CsvRecord& record);
-  void keepRecord(const CsvRecord& record);
-  void finishBatch();
-  void sendBatch();
-  // Sends and commits records; where that fails for a row's fault, each half of them by itself.
-  void sendKept(std::span<const CsvRecord> records);
-  void insertKept(std::span<const CsvRecord> records);
-  void startAfresh();
-  void commit();
-  // Runs a step for the rows that are not committed; its failure names their lines.
-  template <typename Step>
-  void namingLines(Step step) const;
+  void settleDoubted(const Ledger::Intent& intent);
+  bool readRecord(std::size_t at);
+  BatchSender::Batch readBatch();
 
-  Session& session_;
   RecordSource& source_;
   LoadOptions options_;
-  std::string sql_;
-  std::vector<Column> columns_;
-  std::unique_ptr<BatchWriter> batch_;
-  Parameters row_;
+  LoadMonitor& monitor_;
+  Ledger* ledger_;
+  std::optional<KeyLookup> lookup_;
   std::optional<RejectsFile> rejects_;
-  std::vector<CsvRecord> kept_;  // of the batch, where rejects are named
-  Progress progress_;
-  std::uint64_t batchedRows_ = 0;  // added, not sent
-  std::uint64_t sentRows_ = 0;     // sent, not committed
-  std::uint64_t doneRows_ = 0;     // committed, or rolled back by a dry run
-  std::uint64_t firstLine_ = 0;    // of the rows that are not committed
-  std::uint64_t lastLine_ = 0;
+  BatchTarget target_;
+  BatchSender sender_;
+  std::vector<BatchRecord> batch_;
 };
 
 }  // namespace zeldb

@@ -1,9 +1,6 @@
-#include <fmt/format.h>
-#include <spdlog/sinks/stdout_color_sinks.h>
-#include <spdlog/spdlog.h>
-
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,17 +8,25 @@
 #include "zeldb/connector.h"
 #include "zeldb/failure.h"
 #include "zeldb/interrupt.h"
+#include "zeldb/messages.h"
 #include "zeldb/verb.h"
+#include "zeldb/watchdog.h"
 
 namespace {
 
+using zeldb::complain;
 using zeldb::ExitCode;
+using zeldb::MessageFormat;
+
+constexpr double kMaxSeconds = 1e8;
 
 struct CommandLine {
   CLI::App app{"Checks data services, and moves data into them, out of them and between them.",
                "zeldb"};
   zeldb::ConnectorOptions connector;
   std::string logLevel = "warning";
+  MessageFormat logFormat = MessageFormat::kText;
+  double timeoutSeconds = 0;
   std::vector<std::pair<CLI::App*, std::unique_ptr<zeldb::Verb>>> verbs;
 
   CommandLine() {
@@ -37,6 +42,12 @@ struct CommandLine {
     app.add_option("--log-level", logLevel, "How much is logged")
         ->check(CLI::IsMember({"debug", "info", "warning", "error"}))
         ->capture_default_str();
+    app.add_option("--log-format", logFormat, "Messages as text, or as a JSON object a line")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, MessageFormat>{
+            {"text", MessageFormat::kText}, {"json", MessageFormat::kJson}}))
+        ->default_str("text");
+    app.add_option("--timeout", timeoutSeconds, "Seconds after which the work is given up")
+        ->check(CLI::Range(0.0, kMaxSeconds));
     for (auto& verb : zeldb::makeVerbs()) {
       CLI::App* const declared = verb->declare(app);
       verbs.emplace_back(declared, std::move(verb));
@@ -53,18 +64,6 @@ struct CommandLine {
   }
 };
 
-void startLog(const std::string& level) {
-  spdlog::set_default_logger(spdlog::stderr_color_mt("zeldb"));
-  spdlog::set_pattern("%l: %v");
-  spdlog::set_level(spdlog::level::from_str(level));
-}
-
-int complain(ExitCode code, const char* text) {
-  std::cout.flush();
-  std::cerr << "zeldb: " << text << '\n';
-  return static_cast<int>(code);
-}
-
 int run(int argc, char** argv) {
   CommandLine line;
   try {
@@ -75,8 +74,9 @@ int run(int argc, char** argv) {
     }
     return complain(ExitCode::kUsage, error.what());
   }
-  startLog(line.logLevel);
+  zeldb::startMessages(line.logLevel, line.logFormat);
   zeldb::Interrupt::watch();
+  const zeldb::Watchdog watchdog(line.timeoutSeconds);
   zeldb::Connector connector(line.connector);
   line.chosen().run(connector);
   std::cout.flush();
@@ -90,6 +90,7 @@ int main(int argc, char** argv) {
   try {
     return run(argc, argv);
   } catch (const zeldb::Failure& failure) {
+    std::cout.flush();
     return complain(failure.exitCode(), failure.what());
   } catch (const std::exception& error) {
     return complain(ExitCode::kUsage, error.what());

@@ -10,6 +10,7 @@
 #include "standin/property_data_service.h"
 #include "zeldb/column_type.h"
 #include "zeldb/failure.h"
+#include "zeldb/failure_kind.h"
 
 namespace zeldb {
 namespace {
@@ -136,6 +137,7 @@ class SecondGenerationInserts : public BatchWriter {
 
   void add(const Parameters& row) override { statement_.execute(row); }
   void send() override {}
+  bool sendsEachRow() const override { return true; }
 
  private:
   Statement statement_;
@@ -150,12 +152,13 @@ SecondGenerationSession::SecondGenerationSession(db::Driver& driver, const Servi
   if (!connection_ || connection_->connect(error_.fresh()) != 0) {
     const bool timeout = error_.exitCode() == ExitCode::kTimeout;
     throw Failure(timeout ? ExitCode::kTimeout : ExitCode::kConnect,
-                  fmt::format("service \"{}\": {}", service.name, error_.explanation()));
+                  fmt::format("service \"{}\": {}", service.name, error_.explanation()),
+                  error_.diagnostic().state, error_.diagnostic().native);
   }
 }
 
 SecondGenerationSession::~SecondGenerationSession() {
-  rollback();
+  connection_->rollback(nullptr);
 }
 
 void SecondGenerationSession::Release::operator()(db::Connection2* connection) const {
@@ -182,14 +185,10 @@ std::unique_ptr<BatchWriter> SecondGenerationSession::insert(const std::string& 
 }
 
 void SecondGenerationSession::commit() {
-  if (connection_->commit(error_.fresh()) == 0) {
-    return;
+  if (connection_->commit(error_.fresh()) != 0) {
+    const Diagnostic why = error_.diagnostic();
+    throw commitFailure(Failure(error_.exitCode(), error_.explanation(), why.state, why.native));
   }
-  if (error_.exitCode() != ExitCode::kSql) {
-    throw Failure(ExitCode::kInDoubt, fmt::format("in doubt, the answer to the commit was lost: {}",
-                                                  error_.explanation()));
-  }
-  error_.check(-1, "commit");
 }
 
 void SecondGenerationSession::rollback() noexcept {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "zeldb/failure.h"
+#include "zeldb/secrets.h"
 
 namespace zeldb {
 namespace {
@@ -92,6 +93,9 @@ class ServiceReader {
       fail(name.source(), "more than one password");
     }
     place->second = textOf(*key, value);
+    if (key->property == "Password") {
+      Secrets::add(place->second);
+    }
   }
 
   std::string textOf(const Key& key, const toml::node& value) const {

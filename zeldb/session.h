@@ -32,6 +32,8 @@ class BatchWriter {
   // Sends the rows added since the last call. Throws Failure when any of them fails; the
   // transaction is to be rolled back then.
   virtual void send() = 0;
+  // Whether add() sends the row by itself, so that its failure is that row's.
+  virtual bool sendsEachRow() const { return false; }
 };
 
 // An open connection to a service, of either generation of the driver's interface. Nothing is

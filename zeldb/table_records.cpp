@@ -19,29 +19,31 @@ std::string fieldText(unsigned int type, const DataTypes::DataValue& value) {
 
 }  // namespace
 
-const CsvRecord* TableRecords::next() {
+bool TableRecords::next(CsvRecord& record) {
   if (!headerRead_) {
-    return header();
+    fillHeader(record);
+    return true;
   }
   const auto* const values = rows_.next();
   if (values == nullptr) {
-    return nullptr;
+    return false;
   }
-  ++record_.line;
-  for (std::size_t at = 0; at < record_.fields.size(); ++at) {
-    CsvField& field = record_.fields[at];
+  record.line = ++row_;
+  record.fields.resize(values->size());
+  for (std::size_t at = 0; at < record.fields.size(); ++at) {
+    CsvField& field = record.fields[at];
     field.empty = (*values)[at].isNull();
     field.text = fieldText(rows_.columns()[at].type, (*values)[at]);
   }
-  return &record_;
+  return true;
 }
 
-const CsvRecord* TableRecords::header() {
+void TableRecords::fillHeader(CsvRecord& record) {
   headerRead_ = true;
+  record.fields.clear();
   for (const ResultColumn& column : rows_.columns()) {
-    record_.fields.push_back({column.name, false});
+    record.fields.push_back({column.name, false});
   }
-  return &record_;
 }
 
 std::string TableRecords::place(std::uint64_t line, std::size_t /*field*/) const {

@@ -15,18 +15,18 @@ class TableRecords : public RecordSource {
   // `name` is what complaints call the table. `rows` must outlive this.
   TableRecords(RowSource& rows, std::string name) : rows_(rows), name_(std::move(name)) {}
 
-  const CsvRecord* next() override;
+  bool next(CsvRecord& record) override;
   std::string place(std::uint64_t line, std::size_t field) const override;
   std::string range(std::uint64_t firstLine, std::uint64_t lastLine) const override;
   std::uint64_t bytesRead() const override { return 0; }
   std::uint64_t sizeBytes() const override { return 0; }
 
  private:
-  const CsvRecord* header();
+  void fillHeader(CsvRecord& record);
 
   RowSource& rows_;
   std::string name_;
-  CsvRecord record_;
+  std::uint64_t row_ = 0;
   bool headerRead_ = false;
 };
 

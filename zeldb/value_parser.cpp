@@ -1,8 +1,12 @@
 #include "zeldb/value_parser.h"
 
 #include <fmt/format.h>
+#include <strings.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -16,6 +20,31 @@ namespace {
 
 constexpr const char* kMomentFormat = "%Y-%m-%dT%H:%M:%S";
 constexpr const char* kTimeFormat = "%H:%M:%S";
+
+constexpr const char* kTooLong = "22001";  // SQLSTATE
+constexpr const char* kMidnight = "T00:00:00";
+constexpr int kMaxSecondDigits = 6;
+
+struct SpecialFloat {
+  const char* text;
+  double value;
+};
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr std::array<SpecialFloat, 6> kSpecialFloats = {{
+    {"nan", kNotANumber},
+    {"-nan", kNotANumber},
+    {"inf", kInfinity},
+    {"-inf", -kInfinity},
+    {"infinity", kInfinity},
+    {"-infinity", -kInfinity},
+}};
+
+std::size_t charactersOf(const std::string& text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
 
 // How many digits a decimal number has that matter.
 struct DigitCount {
@@ -68,7 +97,8 @@ int secondDigitsOf(unsigned int type) {
 
 }  // namespace
 
-ValueParser::ValueParser(unsigned int type) : type_(type) {}
+ValueParser::ValueParser(unsigned int type, const ValueLimits& limits)
+    : type_(type), limits_(limits) {}
 
 unsigned int ValueParser::valueType() const {
   return isUnsizedDecimal(type_) ? static_cast<unsigned int>(DataTypes::kString) : type_;
@@ -81,6 +111,8 @@ bool ValueParser::parse(const std::string& text, DataTypes::DataValue& value) {
       return parseString(text, value);
     case DataTypes::kBinary:
       return parseBinary(text, value);
+    case DataTypes::kFloat:
+      return parseFloat(text, value);
     case DataTypes::kDate:
     case DataTypes::kTimestamp:
     case DataTypes::kBigDateTime:
@@ -97,14 +129,25 @@ bool ValueParser::parse(const std::string& text, DataTypes::DataValue& value) {
   }
 }
 
-bool ValueParser::refuse(std::string reason) {
+bool ValueParser::refuse(std::string reason, const char* state) {
   reason_ = std::move(reason);
+  state_ = state;
   return false;
 }
 
 bool ValueParser::parseString(const std::string& text, DataTypes::DataValue& value) {
   if (text.find('\0') != std::string::npos) {
     return refuse("a string cannot hold a zero byte");
+  }
+  if (limits_.characters) {
+    const std::size_t length = charactersOf(text);
+    if (length > *limits_.characters) {
+      return refuse(fmt::format("{} characters, the column holds {}", length, *limits_.characters),
+                    kTooLong);
+    }
+  }
+  if (!hasRoomFor(text)) {
+    return false;
   }
   value.string = text.c_str();
   return true;
@@ -118,6 +161,10 @@ bool ValueParser::parseBinary(const std::string& text, DataTypes::DataValue& val
   if (length < 0) {
     return refuse(message);
   }
+  if (limits_.characters && static_cast<std::size_t>(length) > *limits_.characters) {
+    return refuse(fmt::format("{} bytes, the column holds {}", length, *limits_.characters),
+                  kTooLong);
+  }
   value.binary = {bytes_.data(), static_cast<std::uint32_t>(length)};
   return true;
 }
@@ -126,6 +173,10 @@ bool ValueParser::parseExactNumber(const std::string& text, DataTypes::DataValue
   const auto digits = countDigits(text);
   if (!digits) {
     return refuse("not a decimal number");
+  }
+  if (limits_.fractionDigits && digits->fraction > *limits_.fractionDigits) {
+    return refuse(fmt::format("{} digits behind the point, the column holds {}", digits->fraction,
+                              *limits_.fractionDigits));
   }
   if (isUnsizedDecimal(type_)) {
     return parseString(text, value);
@@ -148,9 +199,14 @@ bool ValueParser::parseMoment(const std::string& text, DataTypes::DataValue& val
   if (!moment) {
     return refuse("not a date and time of the form YYYY-MM-DD hh:mm:ss");
   }
-  if (moment->fractionDigits > secondDigitsOf(type_)) {
-    return refuse(fmt::format("{} digits of a second, the type holds {}", moment->fractionDigits,
-                              secondDigitsOf(type_)));
+  if (limits_.daysOnly && !moment->text.ends_with(kMidnight)) {
+    return refuse("a time of day, the column holds dates only");
+  }
+  const int digits =
+      std::min(secondDigitsOf(type_), limits_.secondDigits.value_or(kMaxSecondDigits));
+  if (moment->fractionDigits > digits) {
+    return refuse(fmt::format("{} digits of a second, the {} holds {}", moment->fractionDigits,
+                              digits < secondDigitsOf(type_) ? "column" : "type", digits));
   }
   return parsePlain(moment->text, value);
 }
@@ -158,6 +214,28 @@ bool ValueParser::parseMoment(const std::string& text, DataTypes::DataValue& val
 bool ValueParser::parseTime(const std::string& text, DataTypes::DataValue& value) {
   const auto time = readTimeOfDay(text);
   return time ? parsePlain(*time, value) : refuse("not a time of the form hh:mm:ss");
+}
+
+// A column of texts or floats may stand for decimals that its database keeps as doubles.
+bool ValueParser::hasRoomFor(const std::string& text) {
+  const auto digits = limits_.significantDigits ? countDigits(text) : std::nullopt;
+  return !digits || digits->integer + digits->fraction <= *limits_.significantDigits ||
+         refuse(fmt::format("{} digits, the column holds {}", digits->integer + digits->fraction,
+                            *limits_.significantDigits));
+}
+
+bool ValueParser::parseFloat(const std::string& text, DataTypes::DataValue& value) {
+  const auto* const special = std::find_if(
+      kSpecialFloats.begin(), kSpecialFloats.end(),
+      [&](const SpecialFloat& row) { return strcasecmp(row.text, text.c_str()) == 0; });
+  if (special == kSpecialFloats.end()) {
+    return hasRoomFor(text) && parsePlain(text, value);
+  }
+  if (std::isnan(special->value) ? !limits_.notANumber : !limits_.infinity) {
+    return refuse("the column cannot hold it");
+  }
+  value.float64 = special->value;
+  return true;
 }
 
 bool ValueParser::parsePlain(const std::string& text, DataTypes::DataValue& value) {

@@ -11,6 +11,30 @@
 namespace zeldb {
 namespace {
 
+// Where a record has ended: byte, line, and the length of the output then.
+struct Stop {
+  std::uint64_t byte;
+  std::uint64_t line;
+  std::size_t length;
+};
+
+std::string readRest(CsvReader& reader, std::vector<Stop>* stops) {
+  std::string out;
+  CsvRecord record;
+  while (reader.next(record)) {
+    out += std::to_string(record.line) + "[";
+    for (std::size_t at = 0; at < record.fields.size(); ++at) {
+      const CsvField& field = record.fields[at];
+      out += (at > 0 ? "|" : "") + (field.empty ? std::string("~") : field.text);
+    }
+    out += "]";
+    if (stops != nullptr) {
+      stops->push_back({record.endByte, record.endLine, out.size()});
+    }
+  }
+  return out;
+}
+
 // Records as "line[a|b]", an empty field as "~", or the failure's text behind the file's name.
 std::string readAll(const std::string& text) {
   const ScratchFolder folder;
@@ -18,14 +42,7 @@ std::string readAll(const std::string& text) {
   std::string out;
   try {
     CsvReader reader(path);
-    while (const CsvRecord* const record = reader.next()) {
-      out += std::to_string(record->line) + "[";
-      for (std::size_t at = 0; at < record->fields.size(); ++at) {
-        const CsvField& field = record->fields[at];
-        out += (at > 0 ? "|" : "") + (field.empty ? std::string("~") : field.text);
-      }
-      out += "]";
-    }
+    out = readRest(reader, nullptr);
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.exitCode(), ExitCode::kFile);
     return std::string(failure.what()).substr(path.string().size());
@@ -86,6 +103,28 @@ TEST(CsvReader, ReadsFieldsAndFilesLongerThanItsBuffer) {
     expected.append(std::to_string(line) + "[").append(field).append("|").append(field).append("]");
   }
   EXPECT_TRUE(readAll(text) == expected);
+}
+
+TEST(CsvReader, GoesOnWhereARecordHasEnded) {
+  const ScratchFolder folder;
+  for (const std::string text : {"a,b\n1,2\n\n3,\"x\ny\"\n5,6",
+                                 "\xEF\xBB\xBF"
+                                 "a\r\n1\r\n\r\n2\r\n",
+                                 "a\r\r1\r2", "a\n\n\n1\n"}) {
+    const auto path = folder.write("f.csv", text);
+    std::vector<Stop> stops;
+    CsvReader whole(path);
+    const std::string all = readRest(whole, &stops);
+    ASSERT_EQ(stops.back().byte, text.size());
+    for (const Stop& stop : stops) {
+      CsvReader reader(path);
+      CsvRecord header;
+      ASSERT_TRUE(reader.next(header));
+      reader.seek(stop.byte, stop.line);
+      EXPECT_EQ(readRest(reader, nullptr), all.substr(stop.length)) << text << stop.byte;
+    }
+    EXPECT_THROW(whole.seek(text.size() + 1, 9), Failure);
+  }
 }
 
 TEST(CsvReader, RefusesWhatIsNoFile) {

@@ -33,6 +33,8 @@ TEST(ValueParser, ReadsWhatFitsExactly) {
       {"float", "0.1", "0.1"},
       {"float", "-1e300", "-1e+300"},
       {"float", "1e-7", "1e-07"},
+      {"float", "NaN", "nan"},
+      {"float", "-Infinity", "-inf"},
       {"boolean", "YES", "true"},
       {"boolean", "0", "false"},
       {"string", "", ""},
@@ -71,7 +73,6 @@ TEST(ValueParser, RefusesWhatWouldBeCutOrGuessed) {
       {"integer", "1 ", "!integer constant does not end with a legal character"},
       {"integer", "2147483648", "!integer constant out of range"},
       {"long", "9223372036854775808", "!long constant out of range"},
-      {"float", "nan", "!float constant does not begin with a legal character"},
       {"float", "1e999", "!float constant out of range"},
       {"boolean", "maybe", "!not a legal boolean value"},
       {"binary", "0", "!Odd number of characters in hex string"},
@@ -99,6 +100,49 @@ TEST(ValueParser, RefusesWhatWouldBeCutOrGuessed) {
   }
   EXPECT_EQ(readAndWrite("string", std::string("a\0b", 3)), "!a string cannot hold a zero byte");
   EXPECT_NE(readAndWrite("integer", std::string("1\0", 2)).front(), '1');
+}
+
+TEST(ValueParser, RefusesWhatItsColumnWouldCut) {
+  const auto limits = [](auto set) {
+    ValueLimits narrow;
+    set(narrow);
+    return narrow;
+  };
+  const ValueLimits none;
+  const ValueLimits short3 = limits([](ValueLimits& narrow) { narrow.characters = 3; });
+  const ValueLimits doubles = limits([](ValueLimits& narrow) { narrow.significantDigits = 15; });
+  const ValueLimits days = limits([](ValueLimits& narrow) { narrow.daysOnly = true; });
+  const ValueLimits millis = limits([](ValueLimits& narrow) { narrow.secondDigits = 3; });
+  const ValueLimits cents = limits([](ValueLimits& narrow) { narrow.fractionDigits = 2; });
+  const ValueLimits finite = limits([](ValueLimits& narrow) { narrow.infinity = false; });
+  const unsigned int decimal = DataTypes::kFixedDecimal;
+  struct LimitCase {
+    unsigned int type;
+    const ValueLimits& limits;
+    const char* fits;
+    const char* refused;
+    const char* state;
+  };
+  for (const LimitCase& row : {
+           LimitCase{DataTypes::kString, short3, "\xE2\x82\xAC\xC3\xA9z", "abcd", "22001"},
+           LimitCase{DataTypes::kBinary, short3, "000102", "00010203", "22001"},
+           LimitCase{DataTypes::kString, doubles, "a lot more than 15", "1234567890.123456",
+                     "22018"},
+           LimitCase{DataTypes::kFloat, doubles, "0.123456789012345", "1234567890123456", "22018"},
+           LimitCase{DataTypes::kTimestamp, days, "2024-02-29T00:00:00Z", "2024-02-29 00:00:01",
+                     "22018"},
+           LimitCase{DataTypes::kBigDateTime, millis, "2024-02-29 01:02:03.120000",
+                     "2024-02-29 01:02:03.1234", "22018"},
+           LimitCase{decimal, cents, "-1.250", "1.005", "22018"},
+           LimitCase{DataTypes::kFloat, finite, "nan", "inf", "22018"},
+       }) {
+    DataTypes::DataValue value;
+    ValueParser parser(row.type, row.limits);
+    EXPECT_TRUE(parser.parse(row.fits, value)) << row.fits << ": " << parser.reason();
+    EXPECT_FALSE(parser.parse(row.refused, value)) << row.refused;
+    EXPECT_STREQ(parser.state(), row.state) << row.refused;
+    EXPECT_TRUE(ValueParser(row.type, none).parse(row.refused, value)) << row.refused;
+  }
 }
 
 TEST(ValueParser, HandsDecimalsWithoutPrecisionOnAsText) {
