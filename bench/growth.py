@@ -60,7 +60,8 @@ def measure(session):
         lines.append((batch, 1e9 * time / (7 * rows)))
     curve("rows of a batch", "value", {"first-batch": lines})
     curve("open statements", "statement",
-          reading(("plain-open", "open"), [1, 10, 100, 1000, 10000], lambda n: f"open {n} fetch 1 {row}",
+          reading(("plain-open", "open"), [1, 10, 100, 1000, 10000],
+                  lambda n: f"open {n} fetch 1 {row}",
                   lambda n: n))
     lines = {}
     for name in both:
