@@ -162,8 +162,10 @@ int PreparedStatement2Odbc::getEffectiveNumberColumns(int& count, DBError* /*err
   return 0;
 }
 
-const char* PreparedStatement2Odbc::getColumnName(std::size_t column, DBError* /*error*/) const {
-  return columnNames_[column].c_str();
+const char* PreparedStatement2Odbc::getColumnName(std::size_t column, DBError* error) const {
+  if (column < columnNames_.size()) return columnNames_[column].c_str();
+  failAccess(error, "invalid column");  // a driver may have fewer columns than the server expects
+  return nullptr;
 }
 
 int PreparedStatement2Odbc::getEffectiveDataType(int column, unsigned int& type,

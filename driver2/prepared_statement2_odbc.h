@@ -144,7 +144,7 @@ class PreparedStatement2Odbc final : public PreparedStatement {
   std::vector<unsigned int> columnTypes_;  // and a 0 behind the last
   std::vector<void*> columnBuffers_;       // from malloc, of g_column_lengths bytes; or null
   std::vector<int> columnLengths_;
-  std::vector<int> columnOffsets_;         // and the end of the data behind the last
+  std::vector<int> columnOffsets_ = {0};   // and the end of the data behind the last
   std::vector<const void*> columnValues_;  // of the row being packed
   std::vector<MallocBlock> columnBlocks_;  // its texts and bytes
   bool bound_ = false;                     // parameters are bound, or a result may be open

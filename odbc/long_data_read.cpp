@@ -23,6 +23,10 @@ LongDataRead::Step LongDataRead::take(SQLRETURN rc, SQLLEN indicator, SQLLEN& to
   if (indicator < request_ || (!text_ && indicator == request_)) {
     return finish(offset_ + indicator, total);
   }
+  // A driver that never has less left than before would have us read for ever.
+  stalledPieces_ = indicator < left_ ? 0 : stalledPieces_ + 1;
+  left_ = indicator;
+  if (stalledPieces_ > kMostStalledPieces) return Step::kImpossible;
   const std::int64_t remaining = indicator - request_;
   moveBehindPiece(rc, true);
   request_ = text_ ? remaining + 1 : remaining;

@@ -62,6 +62,7 @@ class LongDataRead {
  private:
   static constexpr std::int64_t kLeastRequest = 4;
   static constexpr std::int64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
+  static constexpr int kMostStalledPieces = 16;
 
   // Cuts the buffer to the value's length.
   Step finish(std::int64_t length, SQLLEN& total);
@@ -72,8 +73,10 @@ class LongDataRead {
   bool text_;
   bool wide_;
   bool anyPiece_ = false;
-  std::int64_t offset_ = 0;  // where in the buffer the piece at hand goes
-  std::int64_t request_;     // how many bytes are asked for
+  std::int64_t offset_ = 0;        // where in the buffer the piece at hand goes
+  std::int64_t request_;           // how many bytes are asked for
+  std::int64_t left_ = kMaxBytes;  // before the last piece, as the driver told
+  int stalledPieces_ = 0;          // one after the other, before which nothing less was left
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

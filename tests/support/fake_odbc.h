@@ -155,9 +155,20 @@ inline const char* handleName(SQLSMALLINT type) {
   return type >= SQL_HANDLE_ENV && type <= SQL_HANDLE_STMT ? kNames[type] : kNames[0];
 }
 
+// What a driver says that is not so.
+struct Lies {
+  std::optional<SQLSMALLINT> columnCount;
+  std::optional<SQLSMALLINT> paramCount;
+  std::optional<SQLSMALLINT> textLength;  // of names, of what SQLGetInfo says, and of diagnostics
+  std::optional<SQLLEN> indicator;        // of what SQLGetData delivers
+  bool unterminated = false;              // texts fill their room, and no NUL ends them
+  bool nullHandles = false;               // made with success, and null
+};
+
 class FakeOdbc {
  public:
   // Scripts.
+  Lies lies;
   std::string dbmsName = "Fake";
   // By SQL text, or by name for the catalog functions: what each execution gives, one after the
   // other (SQLMoreResults). What is not listed gives a row count of 0.
@@ -206,6 +217,7 @@ class FakeOdbc {
   void forgetHandles() { handles_.clear(); }
   // Forgets scripts and records. Live handles stay valid.
   void reset() {
+    lies = {};
     dbmsName = "Fake";
     results.clear();
     params.clear();

@@ -71,8 +71,13 @@ class Call {
 
 // Copies a text into a caller's buffer; false when it was cut.
 inline bool give(const std::string& from, SQLPOINTER to, SQLSMALLINT room, SQLSMALLINT* length) {
-  if (length != nullptr) *length = static_cast<SQLSMALLINT>(from.size());
+  const Lies& lies = self().lies;
+  if (length != nullptr) *length = lies.textLength.value_or(static_cast<SQLSMALLINT>(from.size()));
   if (to == nullptr || room <= 0) return true;
+  if (lies.unterminated) {
+    std::memset(to, 'x', static_cast<std::size_t>(room));
+    return true;
+  }
   const std::size_t copied = std::min(from.size(), static_cast<std::size_t>(room - 1));
   std::memcpy(to, from.data(), copied);
   static_cast<char*>(to)[copied] = 0;

@@ -37,7 +37,7 @@ SQLRETURN SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* handle) 
   }
   const Answer answer = self().enter("SQLAllocHandle", owner, join(type));
   if (!SQL_SUCCEEDED(answer.rc)) return answer.rc;
-  *handle = self().makeHandle(type, owner);
+  *handle = self().lies.nullHandles ? nullptr : self().makeHandle(type, owner);
   return answer.rc;
 }
 

@@ -16,7 +16,9 @@ namespace {
 
 const fake::ColumnDescription* columnOf(const Handle& statement, SQLUSMALLINT number) {
   const fake::Result* result = self().currentResult(&statement);
-  if (result == nullptr || number < 1 || number > result->columns.size()) return nullptr;
+  if (result == nullptr || result->columns.empty() || number < 1) return nullptr;
+  if (self().lies.columnCount) return &result->columns[(number - 1U) % result->columns.size()];
+  if (number > result->columns.size()) return nullptr;
   return &result->columns[number - 1U];
 }
 
@@ -58,7 +60,9 @@ SQLRETURN SQLPrepare(SQLHSTMT stmt, SQLCHAR* sql, SQLINTEGER length) {
 
 SQLRETURN SQLNumParams(SQLHSTMT stmt, SQLSMALLINT* count) {
   Call call("SQLNumParams", SQL_HANDLE_STMT, stmt, "");
-  if (!call.refused()) give(count, self().describeParams(call->key).size());
+  if (call.refused()) return call.rc();
+  give(count, self().describeParams(call->key).size());
+  if (self().lies.paramCount) give(count, *self().lies.paramCount);
   return call.rc();
 }
 
@@ -108,6 +112,7 @@ SQLRETURN SQLNumResultCols(SQLHSTMT stmt, SQLSMALLINT* count) {
   if (call.refused()) return call.rc();
   const fake::Result* result = self().currentResult(&*call);
   give(count, result == nullptr ? 0 : result->columns.size());
+  if (self().lies.columnCount) give(count, *self().lies.columnCount);
   return call.rc();
 }
 
@@ -190,7 +195,15 @@ SQLRETURN SQLGetData(SQLHSTMT stmt, SQLUSMALLINT number, SQLSMALLINT cType, SQLP
     return call.answer(SQL_ERROR, "07009", "no such column");
   }
   const fake::Result& result = *self().currentResult(&*call);
-  const fake::Cell& cell = result.rows[(call->row - 1) % result.rows.size()][number - 1U];
+  const auto& row = result.rows[(call->row - 1) % result.rows.size()];
+  const fake::Cell& cell = row[(number - 1U) % row.size()];
+  if (const fake::Lies& lies = self().lies; lies.indicator || lies.unterminated) {
+    const std::size_t fixed = fake::fixedBytes(cType);
+    const SQLLEN bytes = fixed != 0 ? static_cast<SQLLEN>(fixed) : std::max<SQLLEN>(room, 0);
+    std::memset(data, 'x', static_cast<std::size_t>(bytes));
+    give(indicator, lies.indicator.value_or(bytes));
+    return call.rc();
+  }
   if (call->column != number) {
     call->column = number;
     call->offset = 0;

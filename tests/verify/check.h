@@ -12,6 +12,7 @@ class Check {
   explicit Check(std::string name) : name_(std::move(name)) {}
 
   void tried(std::uint64_t count = 1) { tried_ += count; }
+  std::uint64_t count() const { return tried_; }
   void found(const std::string& what);
   // Prints the check's line; true when there was no finding.
   bool report() const;

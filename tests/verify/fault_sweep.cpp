@@ -109,7 +109,6 @@ class Trial {
       : check_(check), operation_(operation), world_(safe) {
     operation.prepare(world_);
     linesBefore_ = world_.logLines;
-    world_.odbc.takeLog();
     before_ = world_.odbc.calls("");
   }
 

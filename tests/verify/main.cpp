@@ -17,9 +17,9 @@ struct Row {
 };
 
 constexpr Row kChecks[] = {
-    {"allocations", verify::checkAllocations},
-    {"faults", verify::checkFaults},
-    {"pairs", verify::checkFaultPairs},
+    {"allocations", verify::checkAllocations}, {"faults", verify::checkFaults},
+    {"hostile", verify::checkHostileDriver},   {"pairs", verify::checkFaultPairs},
+    {"programs", verify::checkPrograms},
 };
 
 }  // namespace

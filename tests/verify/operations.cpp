@@ -1,6 +1,7 @@
 #include "tests/verify/operations.h"
 
 #include "driver/odbc_statement.h"
+#include "driver2/boundary.h"
 
 namespace verify {
 namespace {
@@ -31,33 +32,39 @@ void created(World& w) {
 
 void opened(World& w) {
   created(w);
-  w.connection->open();
+  if (w.connection != nullptr) w.connection->open();
 }
 
 void queried(World& w) {
   opened(w);
+  if (w.connection == nullptr) return;
   w.connection->executeQuery(w.query, w.queryParameters, 0, w.rows);
 }
 
 void onFirstRow(World& w) {
   queried(w);
   bool more = false;
-  w.rows->next(more);
+  if (w.rows != nullptr) w.rows->next(more);
 }
 
 void batched(World& w) {
   opened(w);
-  w.connection->createBatch(w.insert);
+  if (w.connection != nullptr) w.connection->createBatch(w.insert);
 }
 
 void batchFilled(World& w) {
   batched(w);
+  if (w.connection == nullptr) return;
   for (int row = 0; row < 3; ++row) w.connection->addToBatch(w.rowParameters);
+}
+
+void makeMetadata(World& w) {
+  w.metadata = std::make_unique<OdbcDatabaseMetadata>(static_cast<OdbcConnection&>(*w.connection));
 }
 
 void withMetadata(World& w) {
   opened(w);
-  w.metadata = std::make_unique<OdbcDatabaseMetadata>(static_cast<OdbcConnection&>(*w.connection));
+  if (w.connection != nullptr) makeMetadata(w);
 }
 
 void created2(World& w) {
@@ -66,7 +73,7 @@ void created2(World& w) {
 
 void connected2(World& w) {
   created2(w);
-  w.connection2->connect(w.error);
+  if (w.connection2 != nullptr) w.connection2->connect(w.error);
 }
 
 Outcome prepareStatement(World& w) {
@@ -77,29 +84,31 @@ Outcome prepareStatement(World& w) {
 
 void prepared2(World& w) {
   connected2(w);
-  prepareStatement(w);
+  if (w.connection2 != nullptr) prepareStatement(w);
 }
 
 void bound2(World& w) {
   prepared2(w);
+  if (w.statement == nullptr) return;
   w.statement->setBindings(w.bindings, w.parameterTypes.data(), w.error);
 }
 
 void executed2(World& w) {
   prepared2(w);
+  if (w.statement == nullptr) return;
   w.statement->execute(w.parameterCells, w.parameterTypes, w.error);
 }
 
 void onResult2(World& w) {
   executed2(w);
   bool more = false;
-  w.statement->nextResultSet(more, w.error);
+  if (w.statement != nullptr) w.statement->nextResultSet(more, w.error);
 }
 
 void onFirstRow2(World& w) {
   onResult2(w);
   bool more = false;
-  w.statement->hasMoreData(more, w.error);
+  if (w.statement != nullptr) w.statement->hasMoreData(more, w.error);
 }
 
 bool always(const World&) {
@@ -276,6 +285,15 @@ constexpr Operation kOperations[] = {
        return of(w.rows->getColumnInfo(2, w.name, type));
      },
      hasRows},
+    // Made here as the connection makes it, inside its boundary.
+    {"metadata", kG1, opened,
+     [](World& w) {
+       return guarded(Outcome::kRefused, [&w] {
+         makeMetadata(w);
+         return Outcome::kDone;
+       });
+     },
+     hasConnection},
     {"metadata getSchemaNames", kG1, withMetadata,
      [](World& w) { return of(w.metadata->getSchemaNames(w.names)); }, hasMetadata},
     {"metadata getTableNames", kG1, withMetadata,

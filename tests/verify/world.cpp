@@ -102,6 +102,7 @@ Parameter parameter(unsigned int type) {
 
 void script(fake::FakeOdbc& odbc) {
   odbc.reset();
+  odbc.logging = false;
   fake::Result rows;
   std::vector<fake::Cell> row;
   for (const QueryColumn& column : queryColumns()) {
