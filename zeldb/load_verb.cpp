@@ -44,7 +44,7 @@ CLI::App* LoadVerb::declare(CLI::App& app) {
   verb->add_option("--null", options_.nullText,
                    "Text that stands for NULL, as an empty field does");
   verb->add_option("--delimiter", delimiter_, "Character between fields, or \"tab\"")
-      ->transform(CLI::Transformer({{"tab", "\t"}, {"\\t", "\t"}}))
+      ->transform(CLI::Transformer({{"tab", "\t"}, {"\\t", "\t"}}).description(""))
       ->check(CLI::Validator(checkDelimiter, "CHARACTER"))
       ->default_str(",");
   declarePreparing(*verb);

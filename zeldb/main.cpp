@@ -7,6 +7,7 @@
 
 #include "zeldb/connector.h"
 #include "zeldb/failure.h"
+#include "zeldb/help_format.h"
 #include "zeldb/interrupt.h"
 #include "zeldb/messages.h"
 #include "zeldb/verb.h"
@@ -30,6 +31,7 @@ struct CommandLine {
   std::vector<std::pair<CLI::App*, std::unique_ptr<zeldb::Verb>>> verbs;
 
   CommandLine() {
+    app.formatter(std::make_shared<zeldb::HelpFormat>());
     app.footer(zeldb::kExitCodeHelp);
     app.require_subcommand(1);
     app.fallthrough();
