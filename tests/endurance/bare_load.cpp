@@ -1,0 +1,70 @@
+// bare_load LIBRARY COUNT: loads a driver plug-in, makes a driver, deletes it and unloads, COUNT
+// times, in a process that is linked with none of the server's libraries. Ends with 0 when every
+// round unloaded the library and memory and file descriptors stayed what they were after the first
+// tenth.
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+
+#include "host/driver.h"
+
+namespace {
+
+constexpr long kGrowthKilobytes = 512;
+
+bool loadOnce(const char* library) {
+  void* const handle = dlopen(library, RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) {
+    std::fprintf(stderr, "%s\n", dlerror());
+    return false;
+  }
+  const auto factory = reinterpret_cast<decltype(&FactoryDriver)>(dlsym(handle, "FactoryDriver"));
+  KORVEX::Zel::DB::Driver* const driver = factory != nullptr ? factory("odbc") : nullptr;
+  const bool made = driver != nullptr && driver->initialize() == KORVEX::Zel::DB::kSuccess;
+  delete driver;
+  dlclose(handle);
+  if (dlopen(library, RTLD_NOW | RTLD_NOLOAD) != nullptr) {
+    std::fprintf(stderr, "the library stays loaded\n");
+    return false;
+  }
+  return made;
+}
+
+long residentKilobytes() {
+  long total = 0;
+  long resident = 0;
+  if (std::FILE* const file = std::fopen("/proc/self/statm", "r")) {
+    if (std::fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
+    std::fclose(file);
+  }
+  return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+long openFiles() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 2;
+  const int count = std::atoi(argv[2]);
+  long resident = 0;
+  long files = 0;
+  for (int round = 0; round < count; ++round) {
+    if (!loadOnce(argv[1])) return 1;
+    if (round == count / 10) {
+      resident = residentKilobytes();
+      files = openFiles();
+    }
+  }
+  const long grown = residentKilobytes() - resident;
+  std::printf("%d loads, %ld kB resident, %+ld kB, %+ld files\n", count, resident, grown,
+              openFiles() - files);
+  return grown <= kGrowthKilobytes && openFiles() == files ? 0 : 1;
+}
