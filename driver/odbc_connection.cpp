@@ -4,6 +4,7 @@
 #include "driver/odbc_database_metadata.h"
 #include "driver/odbc_statement.h"
 #include "driver2/boundary.h"
+#include "driver2/lost_link.h"
 #include "host/driver.h"
 #include "host/log_service_impl.h"
 #include "odbc/odbc_dbc_impl.h"
@@ -15,6 +16,8 @@ namespace KORVEX::Zel::DB {
 using ODBC::Odbc;
 
 namespace {
+
+constexpr char kLostBeforeCommit[] = "[08003][0][the connection was lost before the commit]";
 
 struct CapabilityRow {
   const char* databaseType;
@@ -111,6 +114,13 @@ ResultCode OdbcConnection::endTransaction(const char* key, Odbc::e_Status (ODBC:
 }
 
 ResultCode OdbcConnection::commit() {
+  if (safeTransfer_ && dbc_ != nullptr && linkIsLost(getHandle())) {
+    return guarded(kFailure, [&] {
+      LogServiceImpl::log(keys::kCommitting, kLostBeforeCommit);
+      collectError(kLostBeforeCommit);
+      return kFailure;
+    });
+  }
   return endTransaction(keys::kCommitting, &ODBC::OdbcDbc::Commit);
 }
 

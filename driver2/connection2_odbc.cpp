@@ -10,6 +10,7 @@
 #include "driver2/boundary.h"
 #include "driver2/db_error2_odbc.h"
 #include "driver2/env2_odbc.h"
+#include "driver2/lost_link.h"
 #include "driver2/prepared_statement2_odbc.h"
 #include "driver2/transfer_policy.h"
 
@@ -189,6 +190,7 @@ int Connection2Odbc::endTransaction(SQLSMALLINT completion, DBError* error) {
 }
 
 int Connection2Odbc::commit(DBError* error) {
+  if (connected_ && policy_.asksBeforeCommit && linkIsLost(dbc_)) return failNotConnected(error);
   return endTransaction(SQL_COMMIT, error);
 }
 

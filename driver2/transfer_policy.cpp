@@ -96,6 +96,7 @@ const TransferPolicy kPlainTransfer = {
     .nullFlagsCount = false,
     .closesCursor = false,
     .closesBeforeDisconnect = false,
+    .asksBeforeCommit = false,
 };
 
 const TransferPolicy kSafeTransfer = {
@@ -109,6 +110,7 @@ const TransferPolicy kSafeTransfer = {
     .nullFlagsCount = true,
     .closesCursor = true,
     .closesBeforeDisconnect = true,
+    .asksBeforeCommit = true,
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -31,6 +31,7 @@ struct TransferPolicy {
   bool nullFlagsCount;          // null cells are sent as NULL; cells of values lose the flag
   bool closesCursor;            // an open cursor is closed before the next execution
   bool closesBeforeDisconnect;  // statements are closed before the connection, not after it
+  bool asksBeforeCommit;        // a commit over a lost link fails, whatever the driver would say
 };
 
 // What servers have always met: only the return code 0 is success, and one indicator and one

@@ -78,6 +78,18 @@ TEST_F(OdbcConnectionTest, FailingCallsAreLoggedAndCollected) {
   EXPECT_EQ(lastErrors(), "");
 }
 
+TEST_F(OdbcConnectionTest, CommitsOverALostLinkFailSafely) {
+  for (const bool safe : {false, true}) {
+    open({{"SafeTransfer", safe ? "true" : "false"}});
+    odbc.linksLost = true;
+    EXPECT_EQ(connection->commit(), safe ? kFailure : kSuccess);
+    EXPECT_EQ(odbc.takeLog(), (Strings{safe ? "SQLGetConnectAttr(1209,0)" : "SQLEndTran(2,0)"}));
+    EXPECT_EQ(lastErrors(), safe ? "\n[08003][0][the connection was lost before the commit]" : "");
+    odbc.linksLost = false;
+    close();
+  }
+}
+
 TEST_F(OdbcConnectionTest, CreatingAStatementFails) {
   open();
   ResultSet* rows = nullptr;

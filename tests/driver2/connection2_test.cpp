@@ -86,6 +86,22 @@ TEST_F(Connection2Test, ConnectsOnceWithItsProperties) {
   EXPECT_EQ(odbc.takeLog().back(), "SQLConnect(\"fake\",\"u\",\"\")");
 }
 
+// A driver may say that a commit over a link it knows to be lost has succeeded.
+TEST_F(Connection2Test, CommitsOverALostLinkFailSafely) {
+  for (const bool safe : {false, true}) {
+    open(safe);
+    odbc.linksLost = true;
+    odbc.takeLog();
+    EXPECT_EQ(connection->commit(error), safe ? -1 : 0);
+    EXPECT_EQ(error->isConnectionError(), safe);
+    EXPECT_EQ(odbc.takeLog(), (Strings{safe ? "SQLGetConnectAttr(1209,0)" : "SQLEndTran(2,0)"}));
+    odbc.linksLost = false;
+    if (safe) odbc.answer("SQLGetConnectAttr", failing());  // a driver that does not tell
+    EXPECT_EQ(connection->commit(error), 0);
+    close();
+  }
+}
+
 TEST_F(Connection2Test, SetsTheProcessZoneToUtc) {
   setenv("TZ", "UTC-5", 1);
   tzset();

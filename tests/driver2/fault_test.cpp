@@ -97,11 +97,11 @@ TEST_F(Fault2Test, EveryCallAnswersEveryReturnCode) {
         ASSERT_GE(outcome.calls.size(), call);
         const std::string function = functionOf(outcome.calls[call - 1]);
         const SQLRETURN rc = code.answer.rc;
-        // What a released statement frees is not looked at, and a warning is none in safe transfer.
-        // What stands behind an execution that hits no row, or behind the last row or result, goes
-        // its own way.
-        const bool afterRelease =
-            function == "SQLFreeHandle" || (function == "SQLFreeStmt" && outcome.result == 0);
+        // What a released statement frees, and that a driver does not know of its link, is not
+        // looked at, and a warning is none in safe transfer. What stands behind an execution that
+        // hits no row, or behind the last row or result, goes its own way.
+        const bool afterRelease = function == "SQLFreeHandle" || function == "SQLGetConnectAttr" ||
+                                  (function == "SQLFreeStmt" && outcome.result == 0);
         const bool atEnd =
             (rc == SQL_NO_DATA && (function == "SQLMoreResults" || function == "SQLFetch" ||
                                    (safe && function == "SQLExecute"))) ||

@@ -177,6 +177,7 @@ class FakeOdbc {
   std::map<std::string, std::vector<ParamDescription>> params;
   // Written to the parameter status array at SQLExecute; null: one success a row; empty: nothing.
   std::optional<std::vector<SQLUSMALLINT>> paramStatus;
+  bool linksLost = false;  // what connections say when asked whether they are dead
   // Functions that SQLGetFunctions denies.
   std::set<SQLUSMALLINT> unsupported;
   // The next call of that name (behind those already waiting) answers this.
@@ -222,6 +223,7 @@ class FakeOdbc {
     results.clear();
     params.clear();
     paramStatus.reset();
+    linksLost = false;
     unsupported.clear();
     answers_.clear();
     faults_.clear();

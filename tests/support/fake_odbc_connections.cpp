@@ -55,6 +55,15 @@ SQLRETURN SQLSetConnectAttr(SQLHDBC dbc, SQLINTEGER name, SQLPOINTER value, SQLI
   return Call("SQLSetConnectAttr", SQL_HANDLE_DBC, dbc, join(name, attribute(value), length)).rc();
 }
 
+SQLRETURN SQLGetConnectAttr(SQLHDBC dbc, SQLINTEGER name, SQLPOINTER value, SQLINTEGER room,
+                            SQLINTEGER* length) {
+  Call call("SQLGetConnectAttr", SQL_HANDLE_DBC, dbc, join(name, room));
+  if (call.refused()) return call.rc();
+  give(static_cast<SQLUINTEGER*>(value), self().linksLost ? SQL_CD_TRUE : SQL_CD_FALSE);
+  give(length, sizeof(SQLUINTEGER));
+  return call.rc();
+}
+
 SQLRETURN SQLConnect(SQLHDBC dbc, SQLCHAR* dsn, SQLSMALLINT dsnLength, SQLCHAR* user,
                      SQLSMALLINT userLength, SQLCHAR* password, SQLSMALLINT passwordLength) {
   Call call(

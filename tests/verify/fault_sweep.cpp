@@ -50,6 +50,7 @@ constexpr Rule kRules[] = {
     {"open again", "SQLEndTran", kAnyCode, Expected::kDone},
     {"open again", "SQLDisconnect", kAnyCode, Expected::kDone},
     {"", "SQLGetInfo", kAnyCode, Expected::kEither},
+    {"", "SQLGetConnectAttr", kAnyCode, Expected::kDone},
     // The environment's failure is told when the connection is opened.
     {"createConnection", "", kAnyCode, Expected::kDone},
     // The batch's own attributes: the last one, its size, is needed.
@@ -69,6 +70,7 @@ constexpr Rule kRules[] = {
 
     // Second generation.
     {"", "SQLFreeHandle", kAnyCode, Expected::kDone, k2},
+    {"", "SQLGetConnectAttr", kAnyCode, Expected::kDone, k2},
     {"releaseConnection2", "", kAnyCode, Expected::kDone, k2},
     {"forced disconnect", "", kAnyCode, Expected::kDone, k2},
     {"disconnect", "SQLFreeStmt", kAnyCode, Expected::kDone, k2},
