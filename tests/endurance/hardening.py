@@ -2,7 +2,7 @@
 
     hardening.py BUILD_FOLDER LOADS
 
-Needs the environment of `scripts/databases run`. Prints a line; ends with 1 when anything was found.
+Needs the environment of `scripts/databases run`. Prints a line; ends with 1 when it found anything.
 """
 
 import json
