@@ -1,10 +1,12 @@
 #include "driver/date_time_column.h"
 
+#include <emmintrin.h>
 #include <sql.h>
 #include <sqlext.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -171,6 +173,51 @@ ReadResult readDate(const CellContent& column, unsigned int type, SecondsOf seco
   return {ReadResult::kValue};
 }
 
+// Whether a timestamp is one of 1970 to 9999 with every field in its range: inRange of all fields
+// at once, each less the least that it may be and compared with the most. The fraction, whose two
+// halves mean nothing by themselves, is compared on its own.
+bool isUsual(const TIMESTAMP_STRUCT& t) {
+  static_assert(sizeof t == sizeof(__m128i) && offsetof(TIMESTAMP_STRUCT, fraction) == 12);
+  const __m128i least = _mm_setr_epi16(1970, 1, 1, 0, 0, 0, 0, 0);
+  const __m128i most = _mm_setr_epi16(9999 - 1970, 12 - 1, 31 - 1, 23, 59, 61, -1, -1);
+  __m128i fields;
+  std::memcpy(&fields, &t, sizeof fields);
+  const __m128i beyond = _mm_subs_epu16(_mm_sub_epi16(fields, least), most);
+  const __m128i isZero = _mm_cmpeq_epi16(beyond, _mm_setzero_si128());
+  return _mm_movemask_epi8(isZero) == 0xFFFF && t.fraction < kNanosPerSecond;
+}
+
+// What readDate gives for a timestamp column; reads the usual one at once.
+template <unsigned TypeNumber, SecondsOf Seconds>
+ReadResult readTimestamp(const CellContent& column, unsigned int type, DataValue& cell) {
+  constexpr DateUnit kUnit = *ODBC::dateUnitOf(TypeNumber);
+  TIMESTAMP_STRUCT timestamp;
+  if (column.buffer.Length() != sizeof timestamp) return readDate(column, type, Seconds, cell);
+  if (column.isNull()) return {ReadResult::kNull};
+  std::memcpy(&timestamp, column.buffer.Data(), sizeof timestamp);
+  if (!isUsual(timestamp)) return readDate(column, type, Seconds, cell);
+  cell.int64 = ODBC::countOf(ODBC::secondsSince1970(timestamp), timestamp.fraction, kUnit);
+  return {ReadResult::kValue};
+}
+
+struct TimestampReaderRow {
+  unsigned int typeNumber;
+  ColumnReader read;
+  ColumnReader readSafely;
+};
+
+template <unsigned TypeNumber>
+constexpr TimestampReaderRow timestampReaders() {
+  return {TypeNumber, readTimestamp<TypeNumber, DataTypes::tm2sec>,
+          readTimestamp<TypeNumber, DataTypes::tm2secUtc>};
+}
+
+constexpr TimestampReaderRow kTimestampReaders[] = {
+    timestampReaders<DataTypes::kDate>(),
+    timestampReaders<DataTypes::kTimestamp>(),
+    timestampReaders<DataTypes::kBigDateTime>(),
+};
+
 // The fraction's digits without trailing zeros, behind a point; nothing for 0.
 std::string fractionText(unsigned nanos) {
   if (nanos == 0 || nanos >= kNanosPerSecond) return {};
@@ -207,6 +254,13 @@ ReadResult readDateTime(const CellContent& column, unsigned int type, DataValue&
 
 ReadResult readDateTimeUtc(const CellContent& column, unsigned int type, DataValue& cell) {
   return readDate(column, type, DataTypes::tm2secUtc, cell);
+}
+
+ColumnReader findTimestampReader(unsigned int type, bool safely) {
+  const auto* row = std::ranges::find(kTimestampReaders, DataTypes::typeNumber(type),
+                                      &TimestampReaderRow::typeNumber);
+  if (row == std::end(kTimestampReaders)) return nullptr;
+  return safely ? row->readSafely : row->read;
 }
 
 ReadResult readTime(const CellContent& column, unsigned int, DataValue& cell) {

@@ -20,6 +20,10 @@ ReadResult readDateTime(const ODBC::CellContent& column, unsigned int type,
 ReadResult readDateTimeUtc(const ODBC::CellContent& column, unsigned int type,
                            DataTypes::DataValue& cell);
 
+// The reader of timestamp columns as one of the three types, or null for another type. It gives
+// what readDateTime (`safely`: readDateTimeUtc) gives, without a look at other columns.
+ColumnReader findTimestampReader(unsigned int type, bool safely);
+
 // Time of day in seconds since midnight. Takes date, timestamp and time columns, and wide text of
 // the form hh:mm:ss.
 ReadResult readTime(const ODBC::CellContent& column, unsigned int type, DataTypes::DataValue& cell);

@@ -1,5 +1,6 @@
 #include "driver/odbc_result_set.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <typeinfo>
@@ -42,9 +43,10 @@ void releaseBuffer(unsigned int type, DataValue& value) {
   std::free(const_cast<void*>(buffer));
 }
 
-void addColumn(Row& row, unsigned int type, DataValue& cell) {
+[[gnu::always_inline]] inline void addColumn(Row& row, unsigned int type, DataValue& cell,
+                                             bool handOver) {
   try {
-    row.addColumn(type, cell, carriesBuffer(type));
+    row.addColumn(type, cell, handOver);
   } catch (...) {
     releaseBuffer(type, cell);
     throw;
@@ -137,16 +139,45 @@ ResultCode OdbcResultSet::getColumnInfo(int index, std::string& name, unsigned i
   return result == kSuccess ? getColumnType(index, type) : result;
 }
 
-// What getColumn gives for a column that can be read; false leaves the column, and the telling why,
-// to that one. A reader leaves nothing behind that would change the second reading.
-[[gnu::always_inline]] inline bool OdbcResultSet::readAtOnce(int index, unsigned int type,
-                                                             DataValue& value) {
-  const ColumnReader reader = findColumnReader(type, odbcStatement().transfersSafely());
-  const ODBC::CellContent* column = findColumn(index);
-  if (reader == nullptr || column == nullptr) return false;
-  const ReadResult result = reader(*column, type, value);
-  value.null = result.outcome == ReadResult::kNull ? 1 : 0;
+// How many columns of the current row are read by plan. Columns are read with getColumn, which a
+// derived class may replace; they have plans only where nobody has.
+int OdbcResultSet::countPlanned(int columns) {
+  if (typeid(*this) != typeid(OdbcResultSet) || columns < 1 || !hasContents()) return 0;
+  const auto wanted = static_cast<std::size_t>(columns);
+  if (plans_.size() < wanted) plans_.resize(wanted);
+  return static_cast<int>(std::min(wanted + 1, std::max<std::size_t>(contents_->size(), 1))) - 1;
+}
+
+// Out of the way of the columns whose plan is settled. False for a type that cannot be read.
+[[gnu::cold, gnu::noinline]] bool OdbcResultSet::settle(ColumnPlan& plan,
+                                                        const ODBC::CellContent& column,
+                                                        unsigned int type) {
+  const ColumnReader reader =
+      settleColumnReader(type, column.cType, odbcStatement().transfersSafely());
+  if (reader == nullptr) return false;
+  plan = {&column, type, column.cType, carriesBuffer(type), reader};
+  return true;
+}
+
+// Reads a column as getColumn would; false leaves it, and the telling why, to that one. A reader
+// leaves nothing behind that would change the second reading.
+[[gnu::always_inline]] inline bool OdbcResultSet::readPlanned(ColumnPlan& plan,
+                                                              const ODBC::CellContent& column,
+                                                              unsigned int type, DataValue& cell) {
+  if (!plan.isFor(column, type) && !settle(plan, column, type)) return false;
+  const ReadResult result = plan.read(column, type, cell);
+  cell.null = result.outcome == ReadResult::kNull ? 1 : 0;
   return result.outcome <= ReadResult::kNull;
+}
+
+// Out of the way of the columns that can be read by plan.
+[[gnu::cold]] ResultCode OdbcResultSet::readUnplanned(int index, unsigned int type,
+                                                      DataValue& cell) {
+  cell = DataValue();
+  cell.setNull();
+  const ResultCode result = getColumn(index, type, cell);
+  if (result != kSuccess) LogServiceImpl::log(keys::kRowSkipped);
+  return result;
 }
 
 ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
@@ -154,22 +185,22 @@ ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
   return guarded(kFailure, [&] {
     auto built = std::make_unique<Row>();
     const int columns = descriptor.getNumColumns();
-    // Columns are read with getColumn, which a derived class may replace. Here nobody has.
-    const bool atOnce = typeid(*this) == typeid(OdbcResultSet);
-    for (int i = 0; i < columns; ++i) {
+    const int planned = countPlanned(columns);
+    const ODBC::CellContent* const* column = planned > 0 ? contents_->data() : nullptr;
+    ColumnPlan* plan = plans_.data();
+    int i = 0;
+    for (; i < planned; ++i, ++plan) {
       DataValue cell;
-      cell.setNull();
       const unsigned int type = descriptor.getColumnType(i);
-      if (!atOnce || !readAtOnce(i + 1, type, cell)) {
-        cell = DataValue();
-        cell.setNull();
-        const ResultCode result = getColumn(i + 1, type, cell);
-        if (result != kSuccess) {
-          LogServiceImpl::log(keys::kRowSkipped);
-          return result;
-        }
-      }
-      addColumn(*built, type, cell);
+      if (!readPlanned(*plan, *column[i + 1], type, cell)) break;
+      addColumn(*built, type, cell, plan->carriesBuffer);
+    }
+    for (; i < columns; ++i) {
+      DataValue cell;
+      const unsigned int type = descriptor.getColumnType(i);
+      const ResultCode result = readUnplanned(i + 1, type, cell);
+      if (result != kSuccess) return result;
+      addColumn(*built, type, cell, carriesBuffer(type));
     }
     row = built.release();
     return kSuccess;

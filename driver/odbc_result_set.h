@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -67,12 +68,17 @@ class OdbcResultSet : public ResultSet {
     if (stmt != nullptr && contents_ == nullptr) contents_ = &stmt->Contents();
     return stmt != nullptr;
   }
-  bool readAtOnce(int index, unsigned int type, DataTypes::DataValue& value);
+  int countPlanned(int columns);
+  bool settle(ColumnPlan& plan, const ODBC::CellContent& column, unsigned int type);
+  bool readPlanned(ColumnPlan& plan, const ODBC::CellContent& column, unsigned int type,
+                   DataTypes::DataValue& cell);
+  ResultCode readUnplanned(int index, unsigned int type, DataTypes::DataValue& cell);
   ResultCode failMissing(int index, bool isReadable);
   ResultCode failRead(int index, ReadResult result);
 
   // The list of columns that the ODBC statement keeps; asked for once.
   const std::vector<const ODBC::CellContent*>* contents_ = nullptr;
+  std::vector<ColumnPlan> plans_;             // of the descriptor's columns, from 0
   mutable OdbcStatement* checked_ = nullptr;  // the statement, once its type has been looked at
 };
 

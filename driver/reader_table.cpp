@@ -207,6 +207,33 @@ constexpr ReaderRow kReaders[] = {
     {TypeFamily::kBinary, readBinary},
 };
 
+// A number of the C type that usually comes for its family, as it lies in the buffer. The same as
+// the family's own reader, which would first look the C type up.
+template <auto Member, typename Raw, typename Value = Raw>
+ReadResult readAsItLies(const CellContent& column, unsigned int, DataValue& cell) {
+  if (column.isNull()) return {ReadResult::kNull};
+  Raw raw;
+  if (column.buffer.Capacity() < sizeof raw) return {ReadResult::kFailed};
+  std::memcpy(&raw, column.buffer.Data(), sizeof raw);
+  cell.*Member = static_cast<Value>(raw);
+  return {ReadResult::kValue};
+}
+
+struct DirectReaderRow {
+  TypeFamily family;
+  short cType;
+  ColumnReader read;
+};
+
+constexpr DirectReaderRow kDirectReaders[] = {
+    {TypeFamily::kInt16, SQL_C_SHORT, readAsItLies<&DataValue::int16, std::int16_t>},
+    {TypeFamily::kInt32, SQL_C_LONG, readAsItLies<&DataValue::int32, std::int32_t>},
+    {TypeFamily::kInt64, SQL_C_SBIGINT, readAsItLies<&DataValue::int64, std::int64_t>},
+    {TypeFamily::kInterval, SQL_C_SBIGINT, readAsItLies<&DataValue::int64, std::int64_t>},
+    {TypeFamily::kDouble, SQL_C_DOUBLE, readAsItLies<&DataValue::float64, double>},
+    {TypeFamily::kBoolean, SQL_C_BIT, readAsItLies<&DataValue::boolean, std::uint8_t, bool>},
+};
+
 }  // namespace
 
 ReadResult readResultOf(Odbc::e_Status status) {
@@ -223,5 +250,14 @@ constexpr std::array<TypeReaders, DataTypes::kTypeCount> kColumnReaders = [] {
   }
   return readers;
 }();
+
+ColumnReader settleColumnReader(unsigned int type, short cType, bool safely) {
+  for (const DirectReaderRow& row : kDirectReaders) {
+    if (row.family == DataTypes::familyOf(type) && row.cType == cType) return row.read;
+  }
+  const ColumnReader ofTimestamps =
+      cType == SQL_C_TYPE_TIMESTAMP ? findTimestampReader(type, safely) : nullptr;
+  return ofTimestamps != nullptr ? ofTimestamps : findColumnReader(type, safely);
+}
 
 }  // namespace KORVEX::Zel::DB

@@ -47,4 +47,25 @@ inline ColumnReader findColumnReader(unsigned int type, bool safely) {
   return safely ? kColumnReaders[number].safe : kColumnReaders[number].plain;
 }
 
+// The reader of one column as one type, settled before its first value. Gives what the reader of
+// findColumnReader gives, as long as the column's C type stays.
+ColumnReader settleColumnReader(unsigned int type, short cType, bool safely);
+
+// How a column is read as a type: what the readers' table says, looked up once and not once a
+// value.
+struct ColumnPlan {
+  const ODBC::CellContent* column = nullptr;  // null: nothing settled
+  unsigned int type = 0;
+  short cType = 0;
+  bool carriesBuffer = false;
+  ColumnReader read = nullptr;
+
+  // Whether this is the plan for a column and a type, and is settled. What else
+  // a column says about itself is looked at with each value, so that a new column in an old one's
+  // place may use its plan.
+  bool isFor(const ODBC::CellContent& wanted, unsigned int wantedType) const {
+    return column == &wanted && type == wantedType && cType == wanted.cType;
+  }
+};
+
 }  // namespace KORVEX::Zel::DB

@@ -43,22 +43,31 @@ using SecondsOf = long (*)(const std::tm* time);
 // The seconds of an ODBC timestamp; its fraction is left out.
 long secondsOfPlain(const TIMESTAMP_STRUCT& timestamp, SecondsOf secondsOf);
 
+// The same for a timestamp from 1970 on whose month is 1 to 12 and whose day is at least 1.
+inline long secondsSince1970(const TIMESTAMP_STRUCT& t) {
+  const long days = DataTypes::daysSince1970(static_cast<unsigned>(t.year), t.month, t.day);
+  return ((days * 24 + t.hour) * 60 + t.minute) * 60 + t.second;
+}
+
 // The same, without a broken-down time where both functions count alike: from the first day of 1970
 // on, months within the year, no field is negative (those of the structure cannot be), so that no
 // zone, carry or error comes in.
 inline long secondsOfTimestamp(const TIMESTAMP_STRUCT& t, SecondsOf secondsOf) {
   const bool usual = t.year >= 1970 && t.month - 1U < 12 && t.day >= 1;
-  if (!usual) return secondsOfPlain(t, secondsOf);
-  const long days = DataTypes::daysSince1970(static_cast<unsigned>(t.year), t.month, t.day);
-  return ((days * 24 + t.hour) * 60 + t.minute) * 60 + t.second;
+  return usual ? secondsSince1970(t) : secondsOfPlain(t, secondsOf);
 }
 
-// An ODBC timestamp as a count. Digits of the fraction beyond the unit are cut, not rounded.
+// Seconds and a fraction in nanoseconds as a count. Digits of the fraction beyond the unit are cut,
+// not rounded.
+constexpr std::int64_t countOf(std::int64_t seconds, unsigned nanos, const DateUnit& unit) {
+  if (unit.nanosPerUnit == 0) return seconds;
+  return seconds * unit.perSecond + nanos / unit.nanosPerUnit;
+}
+
+// An ODBC timestamp as a count.
 inline std::int64_t countOfTimestamp(const TIMESTAMP_STRUCT& timestamp, const DateUnit& unit,
                                      SecondsOf secondsOf) {
-  const std::int64_t seconds = secondsOfTimestamp(timestamp, secondsOf);
-  if (unit.nanosPerUnit == 0) return seconds;
-  return seconds * unit.perSecond + timestamp.fraction / unit.nanosPerUnit;
+  return countOf(secondsOfTimestamp(timestamp, secondsOf), timestamp.fraction, unit);
 }
 
 }  // namespace KORVEX::Zel::DB::ODBC

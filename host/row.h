@@ -32,6 +32,8 @@ class ZEL_EXPORT Row {
     unsigned int type;
     bool owned;
   };
+  void makeRoom();
+
   std::vector<Column> columns_;
 };
 

@@ -1,6 +1,7 @@
 #include "odbc/odbc_query_impl.h"
 
 #include <limits>
+#include <span>
 
 #include "odbc/odbc_col_impl.h"
 #include "odbc/odbc_dbc_impl.h"
@@ -132,8 +133,9 @@ Odbc::e_Status OdbcQueryImpl::Fetch() {
 
 Odbc::e_Status OdbcQueryImpl::FetchData() {
   e_Status status = e_Ok;
-  for (std::size_t n = 1; n < columns_.size(); ++n) {
-    status = columns_[n]->GetData();
+  if (columns_.empty()) return status;
+  for (OdbcColImpl* column : std::span(columns_).subspan(1)) {
+    status = column->GetData();
     // Kept: other statuses do not end the row, and only the last column's is returned.
     if (status == e_Error) break;
   }

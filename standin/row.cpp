@@ -35,7 +35,16 @@ Row::~Row() {
   }
 }
 
+// Out of the way of the columns for which there is room.
+[[gnu::cold, gnu::noinline]] void Row::makeRoom() {
+  constexpr std::size_t kGrowth = 4;  // rows are short-lived: few moves count for more than space
+  columns_.reserve(kGrowth * columns_.size() + 1);
+}
+
 void Row::addColumn(unsigned int type, const DataTypes::DataValue& value, bool handOver) {
+  if (columns_.size() == columns_.capacity()) makeRoom();
+  // There is room now, so that the list's own way to make some is not built in here once more.
+  if (columns_.size() == columns_.capacity()) __builtin_unreachable();
   columns_.push_back({value, type, handOver});
 }
 
