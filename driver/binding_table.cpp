@@ -9,7 +9,6 @@
 #include "datatypes/data_types.h"
 #include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
-#include "odbc/byte_store.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -101,8 +100,7 @@ Odbc::e_Status storeText(OdbcParam& parameter, unsigned int type, const DataValu
     DataValue copy = value;
     DataTypes::convertToString(type, false, false, copy, text.data(), text.size());
   }
-  ODBC::ByteStore store(text.data(), ODBC::ByteStore::kUntilNul);
-  return parameter.SetData(&store, false, value.isNull());
+  return parameter.SetText(text.data(), value.isNull());
 }
 
 struct FamilyRule {

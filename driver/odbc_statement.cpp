@@ -184,11 +184,21 @@ ResultCode OdbcStatement::bindParameters(const std::vector<Parameter>& params) {
     for (const Parameter& parameter : params) {
       ODBC::OdbcParam* target = stmt_ == nullptr ? nullptr : stmt_->GetParam(++number);
       if (target == nullptr) return fail(keys::kBindingParameters, "");
-      const bool known = findBindingRule(parameter.type, writeBigIntAsChar_) != nullptr;
-      result = known ? bindValue(target, parameter.type, parameter.value) : kFailure;
+      const BindingRule* rule = findBindingRule(parameter.type, writeBigIntAsChar_);
+      if (rule != nullptr) bindWith(*rule, *target, parameter.type, parameter.value);
+      result = rule != nullptr ? kSuccess : kFailure;
     }
     return result;
   });
+}
+
+void OdbcStatement::bindWith(const BindingRule& rule, ODBC::OdbcParam& parameter, unsigned int type,
+                             const DataValue& value) {
+  // The rows of a batch behind the first would be told what they have to be, to no effect.
+  if (!parameter.IsDecided()) setParameterCommons(parameter, rule, type, value);
+  if (rule.store(parameter, type, value) == Odbc::e_Ok) return;
+  valueRefused_ = true;
+  fail(keys::kBindingParameters, kValueRefused);
 }
 
 ResultCode OdbcStatement::bindValue(void* parameter, unsigned int type, const DataValue& value) {
@@ -196,11 +206,7 @@ ResultCode OdbcStatement::bindValue(void* parameter, unsigned int type, const Da
     auto* target = static_cast<ODBC::OdbcParam*>(parameter);
     const BindingRule* rule = findBindingRule(type, writeBigIntAsChar_);
     if (target == nullptr || rule == nullptr) return fail(keys::kBindingParameters, "");
-    setParameterCommons(*target, *rule, type, value);
-    if (rule->store(*target, type, value) != Odbc::e_Ok) {
-      valueRefused_ = true;
-      fail(keys::kBindingParameters, kValueRefused);
-    }
+    bindWith(*rule, *target, type, value);
     return kSuccess;
   });
 }

@@ -76,6 +76,8 @@ class OdbcStatement final : public Statement {
 
  private:
   ResultCode bindValue(void* parameter, unsigned int type, const DataTypes::DataValue& value);
+  void bindWith(const BindingRule& rule, ODBC::OdbcParam& parameter, unsigned int type,
+                const DataTypes::DataValue& value);
   // `noRows`: a statement that changes rows has hit none, and that counts as success.
   ResultCode bindAndExecute(const std::vector<Parameter>& params, bool& noRows);
   ResultCode newResultSet(ResultSet*& resultSet);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "datatypes/data_value.h"
 #include "odbc/byte_store.h"
@@ -67,6 +68,9 @@ class OdbcDataImpl : public OdbcImpl {
   }
   e_Status SetData(const TIME_STRUCT& value) { return store(SQL_C_TYPE_TIME, value, sizeof value); }
   e_Status SetData(ByteStore* value, bool binary);
+  e_Status SetText(std::string_view text) {
+    return storeText(SQL_C_CHAR, text.data(), text.size());
+  }
   e_Status SetData(unsigned int typeCode, const DataTypes::DataValue& value);
 
   // The typed getters: a table of C types each (cell_readers.h).

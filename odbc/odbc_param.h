@@ -3,6 +3,8 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <string_view>
+
 #include "datatypes/data_value.h"
 #include "odbc/odbc.h"
 
@@ -74,6 +76,12 @@ class OdbcParam : public virtual Odbc {
   virtual e_Status GetData(ByteStore* value) = 0;
   virtual e_Status GetData(TIMESTAMP_STRUCT& value) = 0;
   virtual e_Status GetData(TIME_STRUCT& value) = 0;
+
+  // Behind the slots above.
+  // Whether types, sizes and direction are decided for good, so that their setters change nothing.
+  virtual bool IsDecided() const = 0;
+  // What SetData does with a store of these characters, for callers without one.
+  virtual e_Status SetText(std::string_view text, bool isNull) = 0;
 };
 
 }  // namespace KORVEX::Zel::DB::ODBC

@@ -77,9 +77,9 @@ Odbc::e_Status OdbcParamArrayImpl::SetDirection(short direction) {
 }
 
 Odbc::e_Status OdbcParamArrayImpl::appendIndicator(std::int32_t indicator) {
-  unsigned char entry[sizeof indicator];
-  std::memcpy(entry, &indicator, sizeof indicator);
-  if (indicators_.Append(entry, sizeof entry) == 0) return e_Error;
+  const std::uint32_t at = indicators_.Length();
+  if (indicators_.ExtendUnset(at + sizeof indicator) == at) return e_Error;
+  std::memcpy(indicators_.Data() + at, &indicator, sizeof indicator);
   ++rows_;
   bound_ = false;
   return GetStatus(SQL_SUCCESS);
@@ -135,18 +135,28 @@ bool OdbcParamArrayImpl::cutsToDescribedSize() const {
                                       content_.sqlType) != std::end(kCutTypes));
 }
 
+Odbc::e_Status OdbcParamArrayImpl::appendCut(std::span<const unsigned char> value, bool binary,
+                                             bool isNull) {
+  const std::int32_t given = binary ? narrowed<std::int32_t>(value.size()) : std::int32_t{SQL_NTS};
+  std::size_t kept = isNull ? 0 : value.size();
+  if (kept > describedBytes_ && cutsToDescribedSize()) kept = describedBytes_;
+  return appendCollected(value.first(kept), !binary, isNull ? std::int32_t{SQL_NULL_DATA} : given);
+}
+
+Odbc::e_Status OdbcParamArrayImpl::SetText(std::string_view text, bool isNull) {
+  const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
+  return appendCut({bytes, text.size()}, false, isNull);
+}
+
 Odbc::e_Status OdbcParamArrayImpl::SetData(ByteStore* value, bool binary, bool isNull) {
   ByteStore none;
   ByteStore& store = value == nullptr ? none : *value;
   const std::uint32_t length = store.Length();
-  const bool cuts = cutsToDescribedSize();
-  const std::uint32_t kept = isNull ? 0 : cuts ? std::min(length, describedBytes_) : length;
-  const std::int32_t given = binary ? narrowed<std::int32_t>(length) : std::int32_t{SQL_NTS};
-  const e_Status status =
-      appendCollected({store.Data(), kept}, !binary, isNull ? std::int32_t{SQL_NULL_DATA} : given);
+  const e_Status status = appendCut({store.Data(), length}, binary, isNull);
   // Callers see what was kept of their value.
   const bool resize = describedBytes_ > 0 && describedBytes_ < kSizeUnknownFrom;
-  if (resize && (cuts || length < describedBytes_)) store.Resize(describedBytes_, 0);
+  if (resize && (cutsToDescribedSize() || length < describedBytes_))
+    store.Resize(describedBytes_, 0);
   return status;
 }
 
@@ -225,7 +235,7 @@ void OdbcParamArrayImpl::CutRows(int rows) {
   }
 }
 
-void OdbcParamArrayImpl::PadRows(int rows) {
+void OdbcParamArrayImpl::padFar(int rows) {
   while (rows_ < rows) {
     if (!appendNulls(1) || appendIndicator(SQL_NULL_DATA) != e_Ok) return;
   }

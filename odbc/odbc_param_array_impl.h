@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "odbc/odbc_param_impl.h"
@@ -26,6 +27,10 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
   e_Status SetSqlType(short sqlType, unsigned int columnSize, short decimalDigits) override;
   e_Status SetCType(short cType, int lengthBytes) override;
   e_Status SetDirection(short direction) override;
+
+  bool IsDecided() const override { return sqlTypeFixed_ && cTypeFixed_ && directionFixed_; }
+
+  e_Status SetText(std::string_view text, bool isNull) override;
 
   // Append a row. e_Error, and no row, for a value of another size than the rows before.
   e_Status SetData(bool value, bool isNull) override { return append(value, isNull); }
@@ -66,7 +71,9 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
   e_Status Bind() override;
   // Forgets rows from `rows` on; adds NULL rows up to `rows`.
   void CutRows(int rows) override;
-  void PadRows(int rows) override;
+  void PadRows(int rows) override {
+    if (rows_ < rows) padFar(rows);
+  }
 
  private:
   // How the rows so far are held; the first value decides. Rows before it can only be padding.
@@ -80,14 +87,21 @@ class OdbcParamArrayImpl final : public OdbcParamImpl {
 
   template <typename Value>
   e_Status append(const Value& value, bool isNull) {
+    // Behind the first row there is mostly nothing to decide: appendFixed's work in place.
+    const bool usual = !isNull && layout_ == Layout::kFixed && valueBytes_ == sizeof value;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&value);
+    if (usual && content_.buffer.Append(bytes, sizeof value) != 0) return appendIndicator(0);
     return appendFixed(&value, sizeof value, isNull);
   }
   e_Status appendFixed(const void* value, std::uint32_t bytes, bool isNull);
+  // A text or bytes, of which what the driver described is kept.
+  e_Status appendCut(std::span<const unsigned char> value, bool binary, bool isNull);
   e_Status appendCollected(std::span<const unsigned char> value, bool text, std::int32_t indicator);
   // Ends a row: its bytes are in place, this counts it.
   e_Status appendIndicator(std::int32_t indicator);
   bool decideLayout(Layout layout, std::uint32_t valueBytes);
   bool appendNulls(std::size_t rows);
+  void padFar(int rows);
   // Whether longer values are cut to the size that the driver described.
   bool cutsToDescribedSize() const;
   std::uint32_t slotBytes() const;

@@ -39,6 +39,11 @@ class OdbcParamImpl : public OdbcCell<OdbcParam> {
     return setOrNull(isNull, value);
   }
 
+  bool IsDecided() const override { return false; }
+  e_Status SetText(std::string_view text, bool isNull) override {
+    return isNull ? setNull() : OdbcDataImpl::SetText(text);
+  }
+
   // Hands the buffer to the driver (SQLBindParameter), unless it knows it already.
   virtual e_Status Bind();
   // Only forgets that it is bound: the driver keeps the old binding until the next Bind.
