@@ -85,7 +85,8 @@ def long_text(curves, result):
         for name, points in lines.items():
             large = [cost / floor[size] for size, cost in points if size >= 10**6]
             if large and name != "plain-long":
-                result.add(6, f"growth of a byte's cost from 1e6 on, {title}, {name}",
+                figure = f"growth of a byte's cost from 1e6 on beside the floor's, {title}, {name}"
+                result.add(6, figure,
                            large[-1] / large[0], 1.5, "")
 
 
