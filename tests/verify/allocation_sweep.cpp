@@ -40,13 +40,7 @@ void tryAllocation(Check& check, const Operation& operation, bool safe, std::uin
   } else if (result.outcome == Outcome::kImpossible) {
     check.found(what + ": an impossible result");
   }
-  world.close();
-  Strings left = world.odbc.liveHandles();
-  std::erase(left, "env");
-  // Kept: a second-generation connection that could not be made stays allocated.
-  if (!left.empty() && std::string_view(operation.name) != "createConnection2") {
-    check.found(what + ": left a handle, " + left.front());
-  }
+  expectNothingLeft(check, world, operation.name, what);
 }
 
 }  // namespace

@@ -132,12 +132,7 @@ class Trial {
     if (outcome == Outcome::kImpossible) check_.found(what + ": an impossible result");
     if (outcome == Outcome::kRefused) expectTold(what);
     forgetFaults();
-    world_.close();
-    Strings left = world_.odbc.liveHandles();
-    std::erase(left, "env");
-    // Kept: a second-generation connection that could not be made stays allocated.
-    const bool half = std::string_view(operation_.name) == "createConnection2";
-    if (!left.empty() && !half) check_.found(what + ": left a handle, " + left.front());
+    expectNothingLeft(check_, world_, operation_.name, what);
     for (const std::string& misuse : world_.odbc.misuses) {
       if (!isKept(misuse)) check_.found(what + ": " + misuse);
     }

@@ -138,12 +138,7 @@ void tryHostility(Check& check, const Operation& operation, const Hostility& hos
   check.tried();
   if (operation.run(world) == Outcome::kImpossible) check.found(what + ": an impossible result");
   script(world.odbc);
-  world.close();
-  Strings left = world.odbc.liveHandles();
-  std::erase(left, "env");
-  if (!left.empty() && std::string_view(operation.name) != "createConnection2") {
-    check.found(what + ": left a handle, " + left.front());
-  }
+  expectNothingLeft(check, world, operation.name, what);
 }
 
 }  // namespace

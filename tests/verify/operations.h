@@ -1,7 +1,9 @@
 #pragma once
 
 #include <span>
+#include <string_view>
 
+#include "tests/verify/check.h"
 #include "tests/verify/world.h"
 
 namespace verify {
@@ -17,6 +19,10 @@ struct Operation {
   Outcome (*run)(World&);
   bool (*possible)(const World&);
 };
+
+// Closes a world in which the operation has run; an ODBC handle that is left then is a finding.
+void expectNothingLeft(Check& check, World& world, std::string_view operation,
+                       const std::string& what);
 
 // Every operation of both generations' interfaces and of the metadata object.
 std::span<const Operation> operations();
