@@ -28,7 +28,15 @@ class Model {
     return name.ends_with(" 2") || isSecond(name) ? expected2(name) : expected1(name);
   }
 
+  // A refused execution ends the batch as well, but where there was no statement to execute.
+  void refused(std::string_view name) {
+    if (name == "executeBatch") batchKnown_ = false;
+  }
+
   void done(std::string_view name) {
+    if (is(name, {"createBatch", "executeBatch", "clearBatch", "releaseConnection"})) {
+      batchKnown_ = true;
+    }
     if (is(name, {"open", "open again"})) connected_ = true, statement_ = Statement::kNone;
     if (name.starts_with("close") || name == "releaseConnection") connected_ = false;
     if (name == "releaseConnection") batch_ = false;
@@ -36,7 +44,7 @@ class Model {
     if (name == "executeUpdate" || name.starts_with("createTable")) statement_ = Statement::kOther;
     if (name == "createBatch") statement_ = Statement::kBatch, batch_ = true;
     if (name == "executeBatch" || name == "clearBatch") batch_ = false;
-    if (name == "clearBatch" && statement_ == Statement::kBatch) statement_ = Statement::kOther;
+    if (name == "clearBatch") statement_ = Statement::kOther;  // prepared anew, whatever it was
     if (name == "nextResultSet") row_ = kRows + 1;
     if (name == "next") ++row_;
 
@@ -73,7 +81,10 @@ class Model {
     if (name == "open" || name == "open again" || name == "clearBatch") return kMustSucceed;
     if (name.starts_with("close") || name == "releaseConnection") return kMustSucceed;
     if (!connected_) return kOpen;
-    if (name == "createBatch") return batch_ ? kMustBeRefused : kMustSucceed;
+    if (name == "createBatch") {
+      if (!batchKnown_) return kOpen;
+      return batch_ ? kMustBeRefused : kMustSucceed;
+    }
     if (name == "addToBatch" || name == "executeBatch") {
       return batch_ && statement_ == Statement::kBatch ? kMustSucceed : kOpen;
     }
@@ -106,6 +117,7 @@ class Model {
 
   bool connected_ = false;
   bool batch_ = false;
+  bool batchKnown_ = true;
   Statement statement_ = Statement::kNone;
   int row_ = 0;
   bool connected2_ = false;
@@ -165,7 +177,11 @@ class Program {
     if (expected == Model::kMustBeRefused && outcome != Outcome::kRefused) {
       check_.found(what + ": done");
     }
-    if (outcome == Outcome::kDone) model_.done(operation.name);
+    if (outcome == Outcome::kDone) {
+      model_.done(operation.name);
+    } else {
+      model_.refused(operation.name);
+    }
   }
 
   Check& check_;
