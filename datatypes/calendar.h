@@ -29,7 +29,8 @@ constexpr unsigned daysSince1970(unsigned year, unsigned month, unsigned day) {
   const unsigned y = year - (month <= 2 ? 1 : 0);
   const unsigned century = y / 100;
   const auto daysBefore = static_cast<unsigned>(detail::kDaysSinceMarch[month - 1]);
-  return 365 * y + y / 4 - century + century / 4 + daysBefore + day - 719469;
+  // A year of 365 days and a quarter, the quarters cut: 365 * y + y / 4.
+  return y * 1461 / 4 - century + century / 4 + daysBefore + day - 719469;
 }
 
 // Seconds since the epoch of a broken-down UTC time, or -1 when they are negative or the month is

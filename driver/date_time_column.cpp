@@ -191,10 +191,12 @@ bool isUsual(const TIMESTAMP_STRUCT& t) {
 template <unsigned TypeNumber, SecondsOf Seconds>
 ReadResult readTimestamp(const CellContent& column, unsigned int type, DataValue& cell) {
   constexpr DateUnit kUnit = *ODBC::dateUnitOf(TypeNumber);
-  TIMESTAMP_STRUCT timestamp;
-  if (column.buffer.Length() != sizeof timestamp) return readDate(column, type, Seconds, cell);
+  if (column.buffer.Length() != sizeof(TIMESTAMP_STRUCT)) {
+    return readDate(column, type, Seconds, cell);
+  }
   if (column.isNull()) return {ReadResult::kNull};
-  std::memcpy(&timestamp, column.buffer.Data(), sizeof timestamp);
+  // Where the driver wrote it: a block of the allocator, aligned for everything.
+  const auto& timestamp = *reinterpret_cast<const TIMESTAMP_STRUCT*>(column.buffer.Data());
   if (!isUsual(timestamp)) return readDate(column, type, Seconds, cell);
   cell.int64 = ODBC::countOf(ODBC::secondsSince1970(timestamp), timestamp.fraction, kUnit);
   return {ReadResult::kValue};

@@ -139,13 +139,21 @@ ResultCode OdbcResultSet::getColumnInfo(int index, std::string& name, unsigned i
   return result == kSuccess ? getColumnType(index, type) : result;
 }
 
-// How many columns of the current row are read by plan. Columns are read with getColumn, which a
+// Out of the way of the rows that have their plans. Columns are read with getColumn, which a
 // derived class may replace; they have plans only where nobody has.
-int OdbcResultSet::countPlanned(int columns) {
-  if (typeid(*this) != typeid(OdbcResultSet) || columns < 1 || !hasContents()) return 0;
+[[gnu::cold, gnu::noinline]] bool OdbcResultSet::makePlans(std::size_t columns) {
+  if (typeid(*this) != typeid(OdbcResultSet)) return false;
+  plans_.resize(columns);
+  return true;
+}
+
+// How many columns of the current row are read by plan.
+[[gnu::always_inline]] inline int OdbcResultSet::countPlanned(int columns) {
+  if (columns < 1 || !hasContents()) return 0;
   const auto wanted = static_cast<std::size_t>(columns);
-  if (plans_.size() < wanted) plans_.resize(wanted);
-  return static_cast<int>(std::min(wanted + 1, std::max<std::size_t>(contents_->size(), 1))) - 1;
+  if (plans_.size() < wanted && !makePlans(wanted)) return 0;
+  const std::size_t present = contents_->size();  // and one, unless there is none
+  return wanted < present ? columns : static_cast<int>(std::max<std::size_t>(present, 1)) - 1;
 }
 
 // Out of the way of the columns whose plan is settled. False for a type that cannot be read.
@@ -155,7 +163,7 @@ int OdbcResultSet::countPlanned(int columns) {
   const ColumnReader reader =
       settleColumnReader(type, column.cType, odbcStatement().transfersSafely());
   if (reader == nullptr) return false;
-  plan = {&column, type, column.cType, carriesBuffer(type), reader};
+  plan = {type, column.cType, carriesBuffer(type), reader};
   return true;
 }
 
@@ -166,7 +174,8 @@ int OdbcResultSet::countPlanned(int columns) {
                                                               unsigned int type, DataValue& cell) {
   if (!plan.isFor(column, type) && !settle(plan, column, type)) return false;
   const ReadResult result = plan.read(column, type, cell);
-  cell.null = result.outcome == ReadResult::kNull ? 1 : 0;
+  static_assert(ReadResult::kValue == 0 && ReadResult::kNull == 1);  // as the cell's flag says it
+  cell.null = static_cast<std::uint8_t>(result.outcome);
   return result.outcome <= ReadResult::kNull;
 }
 

@@ -68,6 +68,7 @@ class OdbcResultSet : public ResultSet {
     if (stmt != nullptr && contents_ == nullptr) contents_ = &stmt->Contents();
     return stmt != nullptr;
   }
+  bool makePlans(std::size_t columns);
   int countPlanned(int columns);
   bool settle(ColumnPlan& plan, const ODBC::CellContent& column, unsigned int type);
   bool readPlanned(ColumnPlan& plan, const ODBC::CellContent& column, unsigned int type,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 
 #include "datatypes/data_value.h"
 #include "datatypes/type_code.h"
@@ -54,17 +55,17 @@ ColumnReader settleColumnReader(unsigned int type, short cType, bool safely);
 // How a column is read as a type: what the readers' table says, looked up once and not once a
 // value.
 struct ColumnPlan {
-  const ODBC::CellContent* column = nullptr;  // null: nothing settled
+  static constexpr short kUnsettled = std::numeric_limits<short>::min();  // no C type
+
   unsigned int type = 0;
-  short cType = 0;
+  short cType = kUnsettled;
   bool carriesBuffer = false;
   ColumnReader read = nullptr;
 
-  // Whether this is the plan for a column and a type, and is settled. What else
-  // a column says about itself is looked at with each value, so that a new column in an old one's
-  // place may use its plan.
-  bool isFor(const ODBC::CellContent& wanted, unsigned int wantedType) const {
-    return column == &wanted && type == wantedType && cType == wanted.cType;
+  // Whether this is the plan for such a column and a type, and is settled. What else a column says
+  // about itself is looked at with each value.
+  bool isFor(const ODBC::CellContent& column, unsigned int wantedType) const {
+    return type == wantedType && cType == column.cType;
   }
 };
 

@@ -46,7 +46,9 @@ long secondsOfPlain(const TIMESTAMP_STRUCT& timestamp, SecondsOf secondsOf);
 // The same for a timestamp from 1970 on whose month is 1 to 12 and whose day is at least 1.
 inline long secondsSince1970(const TIMESTAMP_STRUCT& t) {
   const long days = DataTypes::daysSince1970(static_cast<unsigned>(t.year), t.month, t.day);
-  return ((days * 24 + t.hour) * 60 + t.minute) * 60 + t.second;
+  // Of any hours and minutes that the structure can hold: it fits the type.
+  const unsigned seconds = t.hour * 3600U + t.minute * 60U + t.second;
+  return days * 86400 + static_cast<long>(seconds);
 }
 
 // The same, without a broken-down time where both functions count alike: from the first day of 1970

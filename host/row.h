@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
+#include <cstdint>
 
 #include "datatypes/data_value.h"
 #include "host/export.h"
@@ -30,11 +30,21 @@ class ZEL_EXPORT Row {
   struct Column {
     DataTypes::DataValue value;
     unsigned int type;
-    bool owned;
+    std::uint32_t earlierOwned;  // of a column that owns its buffer: as lastOwned_ was before it
   };
-  void makeRoom();
+  static constexpr std::size_t kUsualColumns = 16;
 
-  std::vector<Column> columns_;
+  void ownLast();
+  void addColumnFar(unsigned int type, const DataTypes::DataValue& value, bool handOver);
+
+  std::uint32_t lastOwned_ = 0;  // the last such column, counted from 1; 0: there is none
+  Column* columns_ = usual_;
+  Column* end_ = usual_;  // behind the last column
+  Column* roomEnd_ = usual_ + kUsualColumns;
+  // Most rows have no more columns than these, and are one block of memory.
+  union {
+    Column usual_[kUsualColumns];
+  };
 };
 
 }  // namespace KORVEX::Zel::DB

@@ -57,6 +57,16 @@ class ByteStore {
     terminate();
     return length_;
   }
+  // Shortens or lengthens to `newLength` bytes that are all the caller's to set.
+  unsigned int ReplaceUnset(unsigned int newLength) {
+    if (newLength >= capacity_) {
+      Truncate(0, 0);
+      return extendUnsetFar(newLength);
+    }
+    length_ = newLength;
+    terminate();
+    return length_;
+  }
   // Like Extend, with the new bytes in front.
   unsigned int Stretch(unsigned int newLength, char fill);
   // Shortens or lengthens (with NULs). Shortening keeps the head, or with `keepTail` the tail, and

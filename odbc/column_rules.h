@@ -119,7 +119,7 @@ enum class CellRead {
 struct CellReadRule {
   SQLSMALLINT cType;
   CellRead read;
-  std::uint32_t bytes;  // for kFixed
+  std::uint32_t bytes;  // asked for, of a long value first; 0: follows from the column's sizes
 };
 
 inline constexpr CellReadRule kCellReads[] = {

@@ -29,10 +29,15 @@ class LongDataRead {
   static bool makeRoom(ByteStore& buffer, std::int64_t offset, std::int64_t request) {
     const std::int64_t end = offset + request;
     if (end > kMaxBytes) return false;
-    // Unset: the driver writes these bytes, or they are cut off. A driver that does not split a
-    // character leaves the last few alone, though, and the next piece does not cover them.
+    // Unset: the driver writes these bytes, or they are cut off.
     if (buffer.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
-    std::memset(buffer.Data() + end - kLeastRequest, 0, kLeastRequest);
+    clearEnd(buffer, end);
+    return true;
+  }
+  // The same for the first piece, which replaces an earlier value.
+  static bool makeFirstRoom(ByteStore& buffer, std::uint32_t request) {
+    if (buffer.ReplaceUnset(request) != request) return false;
+    clearEnd(buffer, request);
     return true;
   }
   // Whether a first answer brought the whole value, as it mostly does.
@@ -64,6 +69,11 @@ class LongDataRead {
   static constexpr std::int64_t kMaxBytes = std::numeric_limits<std::uint32_t>::max();
   static constexpr int kMostStalledPieces = 16;
 
+  // A driver that does not split a character leaves the last few bytes of its room alone, and the
+  // next piece does not cover them.
+  static void clearEnd(ByteStore& buffer, std::int64_t end) {
+    std::memset(buffer.Data() + end - kLeastRequest, 0, kLeastRequest);
+  }
   // Cuts the buffer to the value's length.
   Step finish(std::int64_t length, SQLLEN& total);
   // Moves the place of the next piece to the end of this one.

@@ -96,6 +96,11 @@ Odbc::e_Status OdbcColImpl::attribute(SQLUSMALLINT field, SQLLEN& value) {
 Odbc::e_Status OdbcColImpl::SetCType(short cType, int lengthBytes) {
   const e_Status status = OdbcDataImpl::SetCType(cType, lengthBytes);
   plan_ = cellReadRule(content_.cType);
+  if (plan_.read == CellRead::kLong) {
+    plan_.bytes = static_cast<std::uint32_t>(LongDataRead::firstRequest(lengthBytes_, wide_));
+  } else if (plan_.read == CellRead::kBigInt) {
+    plan_.bytes = std::clamp(displaySize_, kLongestBigInt, std::uint32_t{kFirstPiece}) + 1;
+  }
   return status;
 }
 
@@ -126,18 +131,36 @@ Odbc::e_Status OdbcColImpl::readVarying() {
 }
 
 Odbc::e_Status OdbcColImpl::readBigInt() {
-  const std::uint32_t length =
-      std::clamp<std::uint32_t>(displaySize_, kLongestBigInt, std::uint32_t{kFirstPiece});
-  if (text_.ExtendUnset(length + 1) < length + 1) return e_Error;
+  if (text_.ReplaceUnset(plan_.bytes) != plan_.bytes) return e_Error;
   // The digits of an earlier row must not be read again where a driver leaves the text alone.
   std::memset(text_.Data(), 0, kLongestBigInt + 1);
-  const e_Status status = statusFromOwner(getData(SQL_C_CHAR, text_.Data(), length + 1));
+  const SQLRETURN rc = getData(SQL_C_CHAR, text_.Data(), plan_.bytes);
+  return keepUsualBigInt(rc) ? GetStatus(rc) : keepBigInt(rc);
+}
+
+// The usual answer: a short text that is one number, in the place of another number.
+[[gnu::always_inline]] inline bool OdbcColImpl::keepUsualBigInt(SQLRETURN rc) {
+  const SQLLEN length = content_.indicator;
+  std::int64_t value = 0;
+  if (rc != SQL_SUCCESS || length < 1 || length >= plan_.bytes ||
+      content_.buffer.Length() != sizeof value ||
+      !DataTypes::readShortInteger(text_.Text(), static_cast<std::size_t>(length), value)) {
+    return false;
+  }
+  text_.Truncate(static_cast<std::uint32_t>(length), 0);
+  std::memcpy(content_.buffer.Data(), &value, sizeof value);
+  return true;
+}
+
+// Every answer.
+Odbc::e_Status OdbcColImpl::keepBigInt(SQLRETURN rc) {
+  const e_Status status = statusFromOwner(rc);
   // An indicator beyond the buffer means that the text was cut: it is no 64-bit number.
   SQLLEN& indicator = content_.indicator;
   if (indicator == SQL_NO_TOTAL) {
     indicator = static_cast<SQLLEN>(strnlen(text_.Text(), kLongestBigInt + 1));
   }
-  const bool fits = indicator >= 0 && indicator <= length;
+  const bool fits = indicator >= 0 && indicator < plan_.bytes;
   text_.Truncate(status == e_Ok && fits ? static_cast<std::uint32_t>(indicator) : 0, 0);
   if (status != e_Ok || isNull()) {
     content_.buffer.Truncate(0, 0);
@@ -155,9 +178,8 @@ Odbc::e_Status OdbcColImpl::readBigInt() {
 
 Odbc::e_Status OdbcColImpl::readLongData() {
   ByteStore& buffer = content_.buffer;
-  buffer.Truncate(0, 0);
-  const std::int64_t request = LongDataRead::firstRequest(lengthBytes_, wide_);
-  if (!LongDataRead::makeRoom(buffer, 0, request)) {
+  const std::int64_t request = plan_.bytes;
+  if (!LongDataRead::makeFirstRoom(buffer, plan_.bytes)) {
     GetStatus(SQL_SUCCESS);
     return e_Error;
   }

@@ -56,7 +56,10 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
     return statusFromOwner(getData(content_.cType, buffer.Data(), plan_.bytes));
   }
   e_Status readVarying();
+  // Reads and keeps a 64-bit integer that comes as text.
   e_Status readBigInt();
+  bool keepUsualBigInt(SQLRETURN rc);
+  e_Status keepBigInt(SQLRETURN rc);
   e_Status readLongData();
   e_Status readPieces(SQLRETURN rc, std::int64_t request);
 

@@ -96,7 +96,6 @@ OdbcCol* OdbcQueryImpl::GetColumn(int column) {
 }
 
 Odbc::e_Status OdbcQueryImpl::CreateColumns() {
-  if (!columns_.empty()) return e_Ok;
   SQLSMALLINT count = 0;
   if (const e_Status status = GetStatus(this, SQLNumResultCols(stmtHandle_.get(), &count));
       status != e_Ok) {
@@ -124,7 +123,9 @@ Odbc::e_Status OdbcQueryImpl::DeleteColumns() {
 }
 
 Odbc::e_Status OdbcQueryImpl::Fetch() {
-  if (const e_Status status = CreateColumns(); status != e_Ok) return status;
+  if (columns_.empty()) {
+    if (const e_Status status = CreateColumns(); status != e_Ok) return status;
+  }
   if (const e_Status status = GetStatus(this, SQLFetch(stmtHandle_.get())); status != e_Ok) {
     return status;
   }

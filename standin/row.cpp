@@ -1,6 +1,8 @@
 #include "host/row.h"
 
 #include <cstdlib>
+#include <memory>
+#include <new>
 
 namespace KORVEX::Zel::DB {
 namespace {
@@ -22,34 +24,48 @@ const void* bufferOf(unsigned int type, const DataTypes::DataValue& value) {
 
 }  // namespace
 
-Row::Row() {
-  constexpr std::size_t kUsualColumns = 16;  // one allocation for most rows
-  columns_.reserve(kUsualColumns);
-}
+// The columns' memory is left unset until they are added.
+Row::Row() {}  // NOLINT(modernize-use-equals-default): the union's columns have a constructor
 
 Row::~Row() {
-  for (const Column& column : columns_) {
-    if (column.owned) {
-      std::free(const_cast<void*>(bufferOf(column.type, column.value)));
-    }
+  for (std::uint32_t number = lastOwned_; number != 0;) {
+    const Column& column = columns_[number - 1];
+    std::free(const_cast<void*>(bufferOf(column.type, column.value)));
+    number = column.earlierOwned;
   }
+  if (columns_ != usual_) ::operator delete(columns_);
 }
 
-// Out of the way of the columns for which there is room.
-[[gnu::cold, gnu::noinline]] void Row::makeRoom() {
+// Where there is no room for another column.
+[[gnu::noinline]] void Row::addColumnFar(unsigned int type, const DataTypes::DataValue& value,
+                                         bool handOver) {
   constexpr std::size_t kGrowth = 4;  // rows are short-lived: few moves count for more than space
-  columns_.reserve(kGrowth * columns_.size() + 1);
+  const std::size_t size = getNumColumns();
+  auto* larger = static_cast<Column*>(::operator new(kGrowth * size * sizeof(Column)));
+  std::uninitialized_copy_n(columns_, size, larger);
+  if (columns_ != usual_) ::operator delete(columns_);
+  columns_ = larger;
+  end_ = larger + size;
+  roomEnd_ = larger + kGrowth * size;
+  addColumn(type, value, handOver);
+}
+
+// The last column's buffer belongs to the row.
+[[gnu::noinline]] void Row::ownLast() {
+  end_[-1].earlierOwned = lastOwned_;
+  lastOwned_ = static_cast<std::uint32_t>(getNumColumns());
 }
 
 void Row::addColumn(unsigned int type, const DataTypes::DataValue& value, bool handOver) {
-  if (columns_.size() == columns_.capacity()) makeRoom();
-  // There is room now, so that the list's own way to make some is not built in here once more.
-  if (columns_.size() == columns_.capacity()) __builtin_unreachable();
-  columns_.push_back({value, type, handOver});
+  if (end_ == roomEnd_) return addColumnFar(type, value, handOver);
+  Column& column = *end_++;
+  column.value = value;
+  column.type = type;
+  if (handOver) ownLast();
 }
 
 std::size_t Row::getNumColumns() const {
-  return columns_.size();
+  return static_cast<std::size_t>(end_ - columns_);
 }
 
 unsigned int Row::getColumnType(std::size_t index) const {

@@ -36,8 +36,7 @@ void FirstGenerationSession::run(const std::string& sql) {
   check(connection_->executeUpdate(sql, {}, rows));
 }
 
-void FirstGenerationSession::check(ResultCode result) {
-  if (result == kSuccess) return;
+void FirstGenerationSession::fail() {
   std::string errors;
   connection_->getLastErrors(errors);
   throw std::runtime_error("first generation: " + errors);
@@ -54,8 +53,8 @@ SecondGenerationSession::~SecondGenerationSession() {
   driver_->releaseError(error_);
 }
 
-void SecondGenerationSession::check(int result) {
-  if (result != 0) throw std::runtime_error(error_->getErrorString());
+void SecondGenerationSession::fail() {
+  throw std::runtime_error(error_->getErrorString());
 }
 
 }  // namespace bench

@@ -20,9 +20,13 @@ class FirstGenerationSession {
   // Executes a statement without parameters.
   void run(const std::string& sql);
   // Throws std::runtime_error with the connection's errors.
-  void check(KORVEX::Zel::DB::ResultCode result);
+  void check(KORVEX::Zel::DB::ResultCode result) {
+    if (result != KORVEX::Zel::DB::kSuccess) fail();
+  }
 
  private:
+  [[noreturn]] void fail();
+
   std::unique_ptr<KORVEX::Zel::DB::Driver> driver_;
   KORVEX::Zel::DB::Connection* connection_;
 };
@@ -38,9 +42,13 @@ class SecondGenerationSession {
   KORVEX::Zel::DB::Connection2& connection() { return *connection_; }
   KORVEX::Zel::DB::DBError* error() { return error_; }
   // Throws std::runtime_error with the error record's text.
-  void check(int result);
+  void check(int result) {
+    if (result != 0) fail();
+  }
 
  private:
+  [[noreturn]] void fail();
+
   std::unique_ptr<KORVEX::Zel::DB::Driver> driver_;
   KORVEX::Zel::DB::DBError* error_;
   KORVEX::Zel::DB::Connection2* connection_;
