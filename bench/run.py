@@ -4,9 +4,11 @@
     run.py BIN [--quick] [--no-databases]
 
 BIN holds the built programs. The contenders of a figure are processes that take turns, each over a
-connection of its own, so that what slows the machine for a while slows all of them; a figure is the
-median of the ratios of each round to the floor, with their spread. Databases are those of the
-environment that `scripts/databases run` sets; the stub driver's data source is in BENCH_STUB_INI.
+connection of its own, so that what slows the machine for a while slows all of them. Rounds are
+short and many; a figure is the median of their ratios to the floor, with the quartiles. Databases
+are those of the environment that `scripts/databases run` sets; the stub driver's data source is in
+BENCH_STUB_INI. Contenders run with the server's allocator, and where it is said with the C
+library's.
 """
 
 import os
@@ -24,6 +26,9 @@ KINDS = "ibdstaf"
 TABLE = "bench_rows"
 INSERT = f"insert into {TABLE} values (?,?,?,?,?,?,?)"
 DATABASES = ("SQLITE", "POSTGRESQL", "MARIADB")
+SERVERS_ALLOCATOR = {"LD_PRELOAD": "libtcmalloc_minimal.so.4"}
+# What a figure's name says besides, and the environment.
+ALLOCATORS = (("", SERVERS_ALLOCATOR), (", C library's allocator", {"LD_PRELOAD": ""}))
 
 
 class Contender:
@@ -56,8 +61,8 @@ class Session:
     def __init__(self, binaries, quick):
         self.bin = pathlib.Path(binaries)
         self.quick = quick
-        self.rounds = 7 if quick else 25
-        self.rows = 10000 if quick else 50000
+        self.rounds = 15 if quick else 61
+        self.rows = 5000
         stub_ini = os.environ["BENCH_STUB_INI"]
         self.stub = {"ODBCINI": stub_ini, "ODBCSYSINI": str(pathlib.Path(stub_ini).parent)}
 
@@ -71,27 +76,29 @@ class Session:
         else:
             command = [str(self.bin / "bench_contender"), name]
         stub = self.stub if dsn == "Stub" else {}
-        return Contender(command + [dsn, user, password], {**stub, **(environment or {})})
+        return Contender(command + [dsn, user, password],
+                         {**SERVERS_ALLOCATOR, **stub, **(environment or {})})
 
-    def ratios(self, names, line, dsn="Stub", rounds=None):
-        """{name: (median, least, most)} of the ratios to the first contender's time."""
+    def ratios(self, names, line, dsn="Stub", rounds=None, environment=None):
+        """{name: (median, lower, upper quartile)} of the ratios to the first contender's time."""
         contenders = {}
         for name in names:
             try:
-                contender = self.contender(name, dsn)
+                contender = self.contender(name, dsn, environment)
                 contender.ask(line)  # warms up; a peer that cannot do it is left out
                 contenders[name] = contender
             except RuntimeError as failure:
                 print(f"  left out: {failure}", file=sys.stderr)
         floor = names[0]
         found = {name: [] for name in contenders}
-        for _ in range(rounds or self.rounds):
-            times = {name: contender.ask(line) for name, contender in contenders.items()}
+        for turn in range(rounds or self.rounds):
+            order = list(contenders)[::1 if turn % 2 else -1]
+            times = {name: contenders[name].ask(line) for name in order}
             for name, time in times.items():
                 found[name].append(time / times[floor])
         for contender in contenders.values():
             contender.close()
-        return {name: (statistics.median(values), min(values), max(values))
+        return {name: (statistics.median(values), *statistics.quantiles(values, n=4)[::2])
                 for name, values in found.items()}
 
 
@@ -107,12 +114,16 @@ def stub_figures(session, result):
     for figure, generation, target, peer in ((1, "second", 1.15, "nanodbc 1.16"),
                                              (2, "first", 1.40, "POCO 1.77")):
         floor = f"plain-as-{generation}"
-        found = session.ratios([floor, generation], line)
-        result.add(figure, f"{generation} generation over the stub driver, time", found[generation],
-                   target, peer)
+        for suffix, environment in ALLOCATORS:
+            found = session.ratios([floor, generation], line, rounds=3 * session.rounds,
+                                   environment=environment)
+            result.add(figure, f"{generation} generation over the stub driver, time{suffix}",
+                       found[generation], target, peer)
         limit, peers = ((430, "nanodbc 442"), (520, "POCO 601"))[figure - 1]
-        result.add(figure, "instructions a value", counts[f"{generation}-generation"], limit, peers,
-                   floor=counts[floor])
+        for (suffix, _), which in zip(ALLOCATORS, ("", "-c-allocator")):
+            result.add(figure, f"instructions a value{suffix}",
+                       counts[f"{generation}-generation{which}"], limit, peers,
+                       floor=counts[floor + which])
     for figure, name, extra in ((1, "integer", 32), (2, "timestamp", 150)):
         generation = ("second", "first")[figure - 1]
         floor = counts[f"plain-as-{generation}-{name}"]
@@ -127,25 +138,27 @@ PEERS = ("soci_peer", "poco_peer", "qt_peer", "pyodbc_peer.py")
 def database_figures(session, result):
     for variable in DATABASES:
         dsn = os.environ[f"ZEL_TEST_DSN_{variable}"]
-        rows = session.rows // 2
+        rows = 4 * session.rows
         user, password = os.environ["ZEL_TEST_USER"], os.environ["ZEL_TEST_PASSWORD"]
         create = [str(session.bin / "bench_contender"), "create", dsn, user, password]
         subprocess.run(create, check=True)
-        writing = session.ratios(["plain-batch", "first-batch"], f"write {rows // 5} {INSERT}", dsn)
+        writing = session.ratios(["plain-batch", "first-batch"], f"write {session.rows} {INSERT}", dsn)
         result.add(4, f"batch insert, {dsn}", writing["first-batch"], 1.03, "")
         # Safe transfer: the plain one has one length for all parameters, which no such row suits.
         writing = session.ratios(["plain-rows", "second-rows-safe"],
-                                 f"write {rows // 5} {INSERT}", dsn)
+                                 f"write {session.rows // 5} {INSERT}", dsn)
         result.add(5, f"row insert, safe, {dsn}", writing["second-rows-safe"], 1.05, "")
         subprocess.run(create, check=True)
         writer = session.contender("plain-batch", dsn)
         writer.ask(f"write {rows} {INSERT}")
         writer.close()
         line = f"read {rows} {KINDS} select * from {TABLE}"
-        peers = () if session.quick else PEERS
-        found = session.ratios(["plain-as-second", "second", "second-safe", *peers], line, dsn)
-        named = ", ".join(f"{name.split('_')[0]} {value[0]:.2f}" for name, value in found.items()
-                          if name in PEERS)
+        named = ""
+        if not session.quick:
+            found = session.ratios(["plain-as-second", *PEERS], line, dsn, rounds=9)
+            named = ", ".join(f"{name.split('_')[0]} {value[0]:.2f}"
+                              for name, value in found.items() if name in PEERS)
+        found = session.ratios(["plain-as-second", "second", "second-safe"], line, dsn)
         result.add(3, f"fetch, second generation, {dsn}", found["second"], 1.03, named)
         result.add(3, f"fetch, second generation, safe, {dsn}", found["second-safe"], 1.03, "")
         found = session.ratios(["plain-as-first", "first"], line, dsn)
@@ -160,14 +173,18 @@ def long_figures(session, result):
     for variable in DATABASES:
         dsn = os.environ[f"ZEL_TEST_DSN_{variable}"]
         line = "read 1 s " + LONG_TEXTS[variable].format(10**7)
-        found = session.ratios(["plain-long", "first", "second", "second-safe"], line, dsn)
-        for name in ("first", "second", "second-safe"):
-            if name in found:
-                result.add(6, f"10 MB text, {name}, {dsn}", found[name], 1.02, "")
+        names = ("first", "second", "second-safe")
+        for suffix, environment in ALLOCATORS:
+            found = session.ratios(["plain-long", *names], line, dsn, environment=environment)
+            for name in names:
+                result.add(6, f"10 MB text, {name}, {dsn}{suffix}", found[name], 1.02, "")
     line = f"read 1 s fetch 1 X{10**8}"
-    found = session.ratios(["plain-long", "first", "second-safe"], line)
-    for name in ("first", "second-safe"):
-        result.add(6, f"100 MB text of untold length, {name}, stub driver", found[name], 1.02, "")
+    for suffix, environment in ALLOCATORS:
+        found = session.ratios(["plain-long", "first", "second-safe"], line,
+                               rounds=session.rounds // 4, environment=environment)
+        for name in ("first", "second-safe"):
+            result.add(6, f"100 MB text of untold length, {name}, stub driver{suffix}",
+                       found[name], 1.02, "")
 
 
 VALUES = re.compile(r"^(\d+) +(.+?) +(?:met|MISSED) +target (\S+) +ours (\S+)(.*)$")

@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Counts instructions a value under callgrind and compares them with a file of earlier counts.
 
-    count.py FILE [--update] -- COMMAND [ARGUMENT...] [-- COMMAND ...]
+    count.py FILE [--update] -- [NAME=VALUE...] COMMAND [ARGUMENT...] [-- COMMAND ...]
 
-Each command is a program that dumps its counts through countInstructions (counted.h). What is
-compared is the difference of a large and a small run, by unit. Ends with 1 when a count has grown
+Each command is a program that dumps its counts through countInstructions (counted.h); NAME=VALUE
+is put into its environment. What is compared is the difference of a large and a small run, by unit. Ends with 1 when a count has grown
 by more than 3 % (and half an instruction), or when one that FILE holds is missing. --update
 writes FILE anew.
 """
 
+import itertools
+import os
 import pathlib
 import re
 import subprocess
@@ -25,8 +27,11 @@ def count(command):
     """Returns {name: instructions a unit}, in the order of counting."""
     runs = {}
     with tempfile.TemporaryDirectory(prefix="bench_instructions_") as folder:
+        settings = list(itertools.takewhile(lambda word: "=" in word, command))
+        environment = dict(os.environ, **dict(setting.split("=", 1) for setting in settings))
         callgrind = ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out"]
-        done = subprocess.run(callgrind + command, capture_output=True, text=True)
+        done = subprocess.run(callgrind + command[len(settings):], capture_output=True, text=True,
+                              env=environment)
         if done.returncode != 0:
             sys.exit(f"count.py: {' '.join(command)} failed:\n{done.stdout}{done.stderr}")
         dumps = sorted(pathlib.Path(folder).glob("out.*"), key=lambda path: int(path.suffix[1:]))

@@ -1,5 +1,6 @@
-// bench_instructions DSN: counts, under callgrind, what the plug-in executes for a value, over the
-// data source of the stub driver: for the published row, and for columns of one kind each.
+// bench_instructions DSN [SUFFIX]: counts, under callgrind, what the plug-in executes for a value,
+// over the data source of the stub driver: for the published row, and for columns of one kind each.
+// With a suffix the published row only, under names that end in it: for another allocator.
 
 #include <cstdio>
 #include <memory>
@@ -30,6 +31,15 @@ void countWriting(const std::string& name, bench::Writer& writer) {
                     [&](int rows) { writer.write("insert " + kinds, rows); });
 }
 
+void countRow(const bench::DataSource& source, const std::string& suffix) {
+  const std::string row(bench::kRowKinds);
+  countReading("plain-as-first" + suffix, *bench::makePlainReader(source, 1), row);
+  countReading("first-generation" + suffix, *bench::makeFirstGenerationReader(source), row);
+  countReading("plain-as-second" + suffix, *bench::makePlainReader(source, 2), row);
+  countReading("second-generation" + suffix, *bench::makeSecondGenerationReader(source, false),
+               row);
+}
+
 void countReadings(const bench::DataSource& source) {
   const auto plain1 = bench::makePlainReader(source, 1);
   const auto plain2 = bench::makePlainReader(source, 2);
@@ -38,10 +48,6 @@ void countReadings(const bench::DataSource& source) {
   const auto safe = bench::makeSecondGenerationReader(source, true);
   const auto packed = bench::makeSecondGenerationReader(source, false, bench::Rows::kPacked);
   const std::string row(bench::kRowKinds);
-  countReading("plain-as-first", *plain1, row);
-  countReading("first-generation", *first, row);
-  countReading("plain-as-second", *plain2, row);
-  countReading("second-generation", *second, row);
   countReading("second-generation-safe", *safe, row);
   countReading("second-generation-packed", *packed, row);
   // Many columns of one kind: what a row costs besides hardly counts.
@@ -69,6 +75,9 @@ void countWritings(const bench::DataSource& source) {
 int main(int argc, char** argv) {
   try {
     const bench::DataSource source = {argc > 1 ? argv[1] : "Stub", "u", "p"};
+    const std::string suffix = argc > 2 ? argv[2] : "";
+    countRow(source, suffix);
+    if (!suffix.empty()) return 0;
     countReadings(source);
     countWritings(source);
     return 0;
