@@ -39,13 +39,6 @@ TableName catalogueName(const std::string& text, bool folds) {
   return name;
 }
 
-KORVEX::Zel::DB::Parameter textParameter(const std::string& text) {
-  KORVEX::Zel::DB::Parameter parameter{};
-  parameter.type = DataTypes::kString;
-  parameter.value.string = text.c_str();
-  return parameter;
-}
-
 template <typename Number>
 std::optional<Number> numberFrom(const std::string& text) {
   Number number = 0;

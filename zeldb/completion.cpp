@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "zeldb/failure.h"
+#include "zeldb/option_choices.h"
 #include "zeldb/services_file.h"
 
 namespace zeldb {
@@ -84,18 +85,15 @@ class Completion {
     return {};
   }
 
-  // A set of choices stands in braces in the name of the option's type: "TEXT:{csv,json}".
   std::vector<Candidate> values(const CLI::Option& option) const {
-    const std::string type = option.get_type_name();
-    const std::size_t open = type.find('{');
-    const std::size_t close = type.find('}', open);
-    if (close != std::string::npos && type.find("->", open) == std::string::npos) {
-      std::vector<Candidate> found;
-      for (const auto& word : CLI::detail::split(type.substr(open + 1, close - open - 1), ',')) {
-        found.push_back({word, {}});
-      }
+    std::vector<Candidate> found;
+    for (const std::string& word : choicesOf(option)) {
+      found.push_back({word, {}});
+    }
+    if (!found.empty()) {
       return found;
     }
+    const std::string type = option.get_type_name();
     if (type == "FILE") {
       return {{kFilesCandidate, {}}};
     }

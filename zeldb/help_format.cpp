@@ -2,33 +2,20 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <string_view>
 #include <vector>
+
+#include "zeldb/option_choices.h"
 
 namespace zeldb {
 namespace {
 
-// The words of a set in the name of an option's type: "TEXT:{csv,json}", or "{csv->1,json->2}".
-std::vector<std::string> choicesOf(const std::string& type) {
-  const std::size_t open = type.find('{');
-  const std::size_t close = type.find('}', open);
-  if (close == std::string::npos) {
-    return {};
-  }
-  std::vector<std::string> words = CLI::detail::split(type.substr(open + 1, close - open - 1), ',');
-  for (std::string& word : words) {
-    word = word.substr(0, word.find("->"));
-  }
-  return words;
-}
-
 // What stands for the value: the choices, a number, or the last part of the type's name.
 std::string placeholder(const CLI::Option& option) {
-  const std::string type = option.get_type_name();
-  if (const auto choices = choicesOf(type); !choices.empty()) {
+  if (const auto choices = choicesOf(option); !choices.empty()) {
     return fmt::format("{}", fmt::join(choices, "|"));
   }
+  const std::string type = option.get_type_name();
   for (const std::string_view number : {"INT", "UINT", "FLOAT"}) {
     if (type.starts_with(number)) {
       return "N";

@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 
+#include <sstream>
+
 #include "zeldb/failure.h"
 #include "zeldb/file_descriptor.h"
 
@@ -45,6 +47,15 @@ std::vector<std::string> Ledger::linesOf(const Identity& identity) {
   std::vector<std::string> lines;
   for (const auto& [name, value] : identity) {
     lines.push_back(fmt::format("{}: {}", name, escaped(value)));
+  }
+  return lines;
+}
+
+std::vector<std::string> Ledger::linesFrom(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    lines.push_back(line);
   }
   return lines;
 }

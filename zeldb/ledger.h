@@ -38,6 +38,8 @@ class Ledger {
   static Identity identityOf(const std::string& source);
   // The identity as lines of text, one for each name.
   static std::vector<std::string> linesOf(const Identity& identity);
+  // The lines of a text.
+  static std::vector<std::string> linesFrom(const std::string& text);
   // Throws Failure that names the first line that differs. `name` is what it calls the ledger.
   static void checkLines(const std::string& name, const std::vector<std::string>& has,
                          const Identity& wanted);

@@ -32,15 +32,6 @@ std::string headOf(const Ledger::Identity& identity) {
   return head + '\n';
 }
 
-std::vector<std::string> textLines(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
-
 // The members of a position in the order in which they are written.
 std::array<std::uint64_t*, 5> membersOf(LoadPosition& position) {
   return {&position.byte, &position.line, &position.committed, &position.rejected,
@@ -105,7 +96,7 @@ void LedgerFile::check(const std::string& path, const Identity& identity) {
     fail("this is no ledger of a load");
   }
   slotsAt_ = size - kSlots * kSlotBytes;
-  auto has = textLines(file_->read(0, slotsAt_));
+  auto has = linesFrom(file_->read(0, slotsAt_));
   if (has.empty() || has.front() != kTitle) {
     fail("this is no ledger of a load");
   }

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <charconv>
-#include <sstream>
 
 #include "datatypes/type_code.h"
 #include "zeldb/failure.h"
@@ -27,33 +26,10 @@ constexpr std::array<PositionColumn, 5> kColumns = {{
     {"rejects_bytes", &LoadPosition::rejectsBytes},
 }};
 
-KORVEX::Zel::DB::Parameter number(std::uint64_t value) {
-  KORVEX::Zel::DB::Parameter parameter{};
-  parameter.type = DataTypes::kLong;
-  parameter.value.int64 = static_cast<std::int64_t>(value);
-  return parameter;
-}
-
-KORVEX::Zel::DB::Parameter text(const std::string& value) {
-  KORVEX::Zel::DB::Parameter parameter{};
-  parameter.type = DataTypes::kString;
-  parameter.value.string = value.c_str();
-  return parameter;
-}
-
 std::uint64_t numberFrom(const std::string& digits) {
   std::uint64_t value = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), value);
   return value;
-}
-
-std::vector<std::string> linesOfText(const std::string& lines) {
-  std::vector<std::string> out;
-  std::istringstream in(lines);
-  for (std::string line; std::getline(in, line);) {
-    out.push_back(line);
-  }
-  return out;
 }
 
 // "a, b" or "a = ?, b = ?", of all columns of a position.
@@ -103,9 +79,9 @@ void LedgerTable::start(FirstGenerationSession& session, const Identity& identit
                         const LoadPosition& start) {
   identity_ = fmt::format("{}", fmt::join(linesOf(identity), "\n"));
   state_.reached = inTable_ = start;
-  Parameters parameters = {text(key_), text(identity_)};
+  Parameters parameters = {textParameter(key_), textParameter(identity_)};
   for (const PositionColumn& column : kColumns) {
-    parameters.push_back(number(start.*column.member));
+    parameters.push_back(longParameter(start.*column.member));
   }
   session.update(fmt::format("insert into {} (load_key, load_identity, {}, complete) "
                              "values (?, ?, ?, ?, ?, ?, ?, 0)",
@@ -115,7 +91,7 @@ void LedgerTable::start(FirstGenerationSession& session, const Identity& identit
 }
 
 void LedgerTable::check(const Identity& identity) const {
-  checkLines(table_, linesOfText(identity_), identity);
+  checkLines(table_, linesFrom(identity_), identity);
 }
 
 void LedgerTable::intend(Session& session, const Intent& intent) {
@@ -147,7 +123,7 @@ bool LedgerTable::read(Session& session, LoadPosition& position) {
   const auto rows =
       session.query(fmt::format("select load_identity, complete, {} from {} where load_key = ?",
                                 columnList(""), table_),
-                    {text(key_)});
+                    {textParameter(key_)});
   const auto* const row = rows->next();
   if (row == nullptr) {
     return false;
@@ -168,11 +144,11 @@ bool LedgerTable::read(Session& session, LoadPosition& position) {
 void LedgerTable::update(Session& session, const LoadPosition& position, bool complete) {
   Parameters parameters;
   for (const PositionColumn& column : kColumns) {
-    parameters.push_back(number(position.*column.member));
+    parameters.push_back(longParameter(position.*column.member));
   }
-  parameters.push_back(number(complete ? 1 : 0));
-  parameters.push_back(text(key_));
-  parameters.push_back(number(inTable_.byte));
+  parameters.push_back(longParameter(complete ? 1 : 0));
+  parameters.push_back(textParameter(key_));
+  parameters.push_back(longParameter(inTable_.byte));
   const std::int64_t rows =
       session.update(fmt::format("update {} set {}, complete = ? where load_key = ? and "
                                  "at_byte = ?",

@@ -6,12 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "host/parameter.h"
+#include "zeldb/parameters.h"
 #include "zeldb/row_writer.h"
 
 namespace zeldb {
-
-using Parameters = std::vector<KORVEX::Zel::DB::Parameter>;
 
 // The rows of a running query. Goes before its session runs something else.
 class RowSource {
