@@ -2,10 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 
 #include "zeldb/json_writer.h"
+#include "zeldb/secrets.h"
 
 namespace zeldb {
 namespace {
@@ -16,21 +18,10 @@ std::string_view nameOf(StepStatus status) {
   return kStatusNames[static_cast<std::size_t>(status)];
 }
 
-// A shorter password could be part of any word.
-constexpr std::size_t kShortestHidden = 4;
-
-void replaceAll(std::string& text, const std::string& what, std::string_view with) {
-  for (std::size_t at = text.find(what); at != std::string::npos;
-       at = text.find(what, at + with.size())) {
-    text.replace(at, what.size(), with);
-  }
-}
-
 }  // namespace
 
 void DoctorReport::begin(const std::string& service) {
   service_ = service;
-  password_.clear();
   if (format_ == DoctorFormat::kText) {
     out_ << (empty_ ? "" : "\n") << (service.empty() ? "all services" : service) << '\n';
   }
@@ -39,10 +30,8 @@ void DoctorReport::begin(const std::string& service) {
 
 void DoctorReport::add(std::string_view step, Finding finding) {
   for (std::string* const text : {&finding.seen, &finding.advice.cause, &finding.advice.remedy}) {
-    if (password_.size() >= kShortestHidden) {
-      replaceAll(*text, password_, "***");
-    }
-    replaceAll(*text, "\n", " ");
+    *text = Secrets::masked(*text);
+    std::replace(text->begin(), text->end(), '\n', ' ');
   }
   if (finding.status == StepStatus::kFailed) {
     ++failed_;

@@ -11,15 +11,14 @@ namespace zeldb {
 enum class DoctorFormat : std::uint8_t { kText, kJson };
 
 // Writes the findings of an examination as they come, a line each: for people in aligned columns
-// with cause and remedy below, or for programs as JSON objects. Keeps count of them.
+// with cause and remedy below, or for programs as JSON objects. Masks passwords. Keeps count of
+// them.
 class DoctorReport {
  public:
   DoctorReport(std::ostream& out, DoctorFormat format) : out_(out), format_(format) {}
 
-  // The findings that follow belong to this service. Its password, when it becomes known, is
-  // replaced by asterisks wherever it would be written.
+  // The findings that follow belong to this service.
   void begin(const std::string& service);
-  void hide(const std::string& password) { password_ = password; }
 
   void add(std::string_view step, Finding finding);
 
@@ -35,7 +34,6 @@ class DoctorReport {
   std::ostream& out_;
   DoctorFormat format_;
   std::string service_;
-  std::string password_;
   ExitCode exitCode_ = ExitCode::kOk;
   int failed_ = 0;
   int skipped_ = 0;

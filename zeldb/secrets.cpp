@@ -68,7 +68,9 @@ Found secretAt(std::string_view text, std::size_t at, const std::vector<std::str
 void Secrets::add(const std::string& secret) {
   Known& holder = known();
   const std::lock_guard lock(holder.mutex);
-  if (!secret.empty()) {
+  const bool isKnown =
+      std::find(holder.secrets.begin(), holder.secrets.end(), secret) != holder.secrets.end();
+  if (!secret.empty() && !isKnown) {
     holder.secrets.push_back(secret);
     // One may be the start of another.
     std::sort(holder.secrets.begin(), holder.secrets.end(),

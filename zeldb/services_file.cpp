@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -35,6 +36,58 @@ constexpr std::array<Key, 8> kKeys = {{
     {"WriteBigIntAsChar", "WriteBigIntAsChar", KeyKind::kBool, false},
     {"SafeTransfer", "SafeTransfer", KeyKind::kBool, false},
 }};
+
+const Key* keyNamed(std::string_view name) {
+  const auto* const key =
+      std::find_if(kKeys.begin(), kKeys.end(), [&](const Key& row) { return row.name == name; });
+  return key == kKeys.end() ? nullptr : key;
+}
+
+// A file that a services file names, from the folder of that.
+std::string fileOf(const std::filesystem::path& services, const std::string& name) {
+  return (services.parent_path() / name).string();
+}
+
+std::optional<std::string> firstLineOf(const std::string& file) {
+  std::ifstream in(file);
+  std::string line;
+  if (!std::getline(in, line)) {
+    return std::nullopt;
+  }
+  if (line.ends_with('\r')) {
+    line.pop_back();
+  }
+  return line;
+}
+
+// What the text of a key stands for; nothing when it names what is not there.
+std::optional<std::string> givenText(KeyKind kind, const std::string& text,
+                                     const std::filesystem::path& services) {
+  switch (kind) {
+    case KeyKind::kPasswordVariable: {
+      const char* const value = std::getenv(text.c_str());
+      return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+    }
+    case KeyKind::kPasswordFile:
+      return firstLineOf(fileOf(services, text));
+    default:
+      return text;
+  }
+}
+
+// Keeps the password that a key gives out of all that is written. Whoever wants it is told of
+// faults elsewhere. A pipe is left to its one reader.
+void hidePassword(const Key& key, const std::string& text, const std::filesystem::path& services) {
+  std::error_code error;
+  if (key.property != "Password" ||
+      (key.kind == KeyKind::kPasswordFile &&
+       !std::filesystem::is_regular_file(fileOf(services, text), error))) {
+    return;
+  }
+  if (const auto password = givenText(key.kind, text, services)) {
+    Secrets::add(*password);
+  }
+}
 
 // Reads one service out of the parsed file.
 class ServiceReader {
@@ -82,10 +135,8 @@ class ServiceReader {
   }
 
   void readKey(const toml::key& name, const toml::node& value) {
-    const auto* const key = std::find_if(kKeys.begin(), kKeys.end(), [&](const Key& candidate) {
-      return candidate.name == name.str();
-    });
-    if (key == kKeys.end()) {
+    const Key* const key = keyNamed(name.str());
+    if (key == nullptr) {
       fail(name.source(), fmt::format("unknown key \"{}\"", name.str()));
     }
     const auto [place, isNew] = service_.properties.try_emplace(std::string(key->property));
@@ -109,35 +160,13 @@ class ServiceReader {
       fail(value.source(), fmt::format("{} must be a text", key.name));
     }
     const std::string& text = value.as_string()->get();
-    switch (key.kind) {
-      case KeyKind::kPasswordVariable:
-        return environmentText(text, value.source());
-      case KeyKind::kPasswordFile:
-        return firstLineOf(text, value.source());
-      default:
-        return text;
+    if (auto given = givenText(key.kind, text, path_)) {
+      return *std::move(given);
     }
-  }
-
-  std::string environmentText(const std::string& name, const toml::source_region& where) const {
-    const char* const text = std::getenv(name.c_str());
-    if (text == nullptr) {
-      fail(where, fmt::format("environment variable {} is not set", name));
-    }
-    return text;
-  }
-
-  std::string firstLineOf(const std::string& name, const toml::source_region& where) const {
-    const std::filesystem::path file = path_.parent_path() / name;
-    std::ifstream in(file);
-    std::string line;
-    if (!std::getline(in, line)) {
-      fail(where, fmt::format("password file {} cannot be read or is empty", file.string()));
-    }
-    if (line.ends_with('\r')) {
-      line.pop_back();
-    }
-    return line;
+    fail(value.source(),
+         key.kind == KeyKind::kPasswordVariable
+             ? fmt::format("environment variable {} is not set", text)
+             : fmt::format("password file {} cannot be read or is empty", fileOf(path_, text)));
   }
 
   const std::filesystem::path& path_;
@@ -169,11 +198,15 @@ Service ServicesFile::find(const std::string& name) const {
 std::vector<ServicesFile::Entry> ServicesFile::entries() const {
   std::vector<Entry> entries;
   const toml::table services = parse(path_);
-  for (const auto& [name, node] : services) {
+  for (const auto& [service, node] : services) {
     if (const toml::table* const table = node.as_table()) {
-      Entry& entry = entries.emplace_back(Entry{std::string(name.str()), {}});
-      for (const auto& [key, value] : *table) {
-        entry.keys[std::string(key.str())] = value.value_or(std::string());
+      Entry& entry = entries.emplace_back(Entry{std::string(service.str()), {}});
+      for (const auto& [name, value] : *table) {
+        const std::string& text = entry.keys[std::string(name.str())] =
+            value.value_or(std::string());
+        if (const Key* const key = keyNamed(name.str())) {
+          hidePassword(*key, text, path_);
+        }
       }
     }
   }

@@ -35,7 +35,8 @@ class ServicesFile {
     std::string name;
     std::map<std::string, std::string> keys;
   };
-  // All tables of the file, by name. Throws Failure when it cannot be read or parsed.
+  // All tables of the file, by name; their passwords are secrets from then on, as far as they can
+  // be read. Throws Failure when the file cannot be read or parsed.
   std::vector<Entry> entries() const;
 
   // The keys that a service may have.

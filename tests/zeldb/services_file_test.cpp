@@ -7,6 +7,7 @@
 
 #include "tests/zeldb/scratch_folder.h"
 #include "zeldb/failure.h"
+#include "zeldb/secrets.h"
 
 namespace zeldb {
 namespace {
@@ -90,6 +91,29 @@ TEST(ServicesFile, NamesThePlaceOfBrokenToml) {
     EXPECT_TRUE(std::string(failure.what()).starts_with(path.string() + ":3:")) << failure.what();
   }
   EXPECT_THROW(ServicesFile("/nonexistent/zeldb.toml").find("s"), Failure);
+}
+
+// Also of a service that is wrong, and of one that nobody has asked for.
+TEST(ServicesFile, HidesThePasswordOfEveryEntry) {
+  struct Case {
+    const char* text;
+    const char* seen;  // what is shown then of "in-line in-env in-file, missing"
+  };
+  const Case cases[] = {
+      {"", "in-line in-env in-file, missing"},
+      {"[a]\npassword_file = \"missing\"\npassword_env = \"ZELDB_NOT_SET\"\n",
+       "in-line in-env in-file, missing"},
+      {"[a]\nUsr = \"u\"\nPassword = \"in-line\"\n", "*** in-env in-file, missing"},
+      {"[a]\npassword_env = \"ZELDB_TEST_PASSWORD\"\n[b]\npassword_file = \"password\"\n",
+       "*** *** ***, missing"},
+  };
+  const ScratchFolder folder;
+  folder.write("password", "in-file\n");
+  setenv("ZELDB_TEST_PASSWORD", "in-env", 1);
+  for (const Case& row : cases) {  // what is secret stays so
+    ServicesFile(folder.write("zeldb.toml", row.text)).entries();
+    EXPECT_EQ(Secrets::masked("in-line in-env in-file, missing"), row.seen) << row.text;
+  }
 }
 
 }  // namespace
