@@ -10,6 +10,7 @@
 #include "zeldb/insert_plan.h"
 #include "zeldb/load_monitor.h"
 #include "zeldb/load_run.h"
+#include "zeldb/patient_connection.h"
 #include "zeldb/table_records.h"
 
 namespace zeldb {
@@ -48,12 +49,17 @@ void CopyVerb::run(Connector& connector) {
   LoadMonitor monitor("copy", to.service, to.table, options_);
   monitor.watch([&] {
     const Service target = connector.service(to.service);
-    const auto source = connector.connect(connector.service(from.service), generation_);
+    const Service origin = connector.service(from.service);
+    const auto source = connectPatiently(options_, monitor.counts(),
+                                         [&] { return connector.connect(origin, generation_); });
     const auto rows = source->readTable(from.table);
     TableRecords records(*rows, from_);
     CsvRecord header;
     records.next(header);
-    const InsertPlan plan = planInsert(*connector.connect(target), to.table, records, header, {});
+    auto session =
+        connectPatiently(options_, monitor.counts(), [&] { return connector.connect(target); });
+    const InsertPlan plan = planInsert(*session, to.table, records, header, {});
+    session.reset();
     const auto connect = [&] { return connector.connect(target, generation_); };
     runLoader(records, {connect, to.table, plan}, options_, monitor,
               fmt::format("{} to {}", options_.dryRun ? "would be copied" : "copied", to_));

@@ -18,6 +18,10 @@ struct Rule {
 
 // The first row that fits holds; a refusal by the database that no row fits is a row's fault.
 constexpr std::array kRules = {
+    // What PostgreSQL's driver says of a server that answers, and lets nobody in.
+    Rule{"08001", "", "authentication failed", FailureKind::kOther},
+    Rule{"08001", "", "does not exist", FailureKind::kOther},
+    Rule{"08001", "", "no pg_hba.conf entry", FailureKind::kOther},
     Rule{"08", "", "", FailureKind::kLostLink},
     Rule{"57P", "", "", FailureKind::kLostLink},        // PostgreSQL is being shut down or started
     Rule{"HY000", "2002", "", FailureKind::kLostLink},  // MariaDB: no server there

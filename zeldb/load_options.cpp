@@ -25,7 +25,7 @@ void addLoadOptions(CLI::App& verb, LoadOptions& options) {
   verb.add_flag("--dry-run", options.dryRun,
                 "Send everything in one transaction, and roll it back");
   verb.add_option("--retries", options.retries,
-                  "Try a batch again that failed for a lost link, a lock or a deadlock")
+                  "Try again what failed for a missing link, a lock or a deadlock")
       ->check(CLI::Range(0U, kMaxRetries))
       ->excludes(once)
       ->capture_default_str();

@@ -16,6 +16,7 @@
 #include "zeldb/ledger_file.h"
 #include "zeldb/ledger_table.h"
 #include "zeldb/load_run.h"
+#include "zeldb/patient_connection.h"
 #include "zeldb/sampled_records.h"
 #include "zeldb/service_argument.h"
 
@@ -100,7 +101,8 @@ void LoadVerb::load(Connector& connector, LoadMonitor& monitor) {
   if (!reader.next(header)) {
     throw Failure(ExitCode::kFile, fmt::format("{}: the file has no header", reader.place(1, 0)));
   }
-  auto session = connector.connect(service);
+  auto session =
+      connectPatiently(options_, monitor.counts(), [&] { return connector.connect(service); });
   auto ledger = openLedger(service, *session);
   SampledRecords records(reader, preparation_.create && !ledger ? preparation_.sampleRows : 0);
   std::string prelude;

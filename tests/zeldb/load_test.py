@@ -97,8 +97,8 @@ class Failing(ToolCase):
         return [key for key, in self.sql("select id from t order by id")]
 
     def test_batches_are_sent_again(self):
-        for fault, reconnects in [("SQLExecute -5 40001", 0), ("SQLExecute -5 08S01", 1),
-                                  ("SQLEndTran -3 40001", 0)]:
+        for fault, reconnects in [("SQLConnect -1 08001", 0), ("SQLExecute -5 40001", 0),
+                                  ("SQLExecute -5 08S01", 1), ("SQLEndTran -3 40001", 0)]:
             for generation in "12":
                 with self.subTest(fault=fault, generation=generation):
                     self.sql("delete from t")

@@ -50,6 +50,10 @@ static int isFault(const char* function, int* calls, int* made) {
     return (SQLRETURN)(fault ? SQL_ERROR : result);  \
   }
 
+INTERPOSE(SQLConnect,
+          (SQLHDBC connection, UCHAR source[], SQLSMALLINT sourceLength, UCHAR user[],
+           SQLSMALLINT userLength, UCHAR password[], SQLSMALLINT passwordLength),
+          (connection, source, sourceLength, user, userLength, password, passwordLength))
 INTERPOSE(SQLEndTran, (SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT how), (type, handle, how))
 INTERPOSE(SQLExecute, (SQLHSTMT statement), (statement))
 INTERPOSE(SQLFetch, (SQLHSTMT statement), (statement))
