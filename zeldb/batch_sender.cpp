@@ -33,7 +33,7 @@ BatchSender::BatchSender(BatchTarget& target, RowParser parser, const RecordSour
       counts_(counts),
       retry_(options.retries),
       oneTransaction_(options.oneTransaction || options.dryRun),
-      savepoints_(product.savepoints) {
+      resumption_(product.resumption) {
   RunStatus::committed(0);
 }
 
@@ -48,8 +48,11 @@ void BatchSender::noteIn(Ledger& ledger) {
 }
 
 void BatchSender::send(Batch batch) {
-  if (!batch.empty()) {
-    sendPart(batch, false);
+  const bool alone = triesOut(Resumption::kStatement) && target_.writer().sendsEachRow();
+  while (!batch.empty()) {
+    const std::size_t size = alone ? 1 : batch.size();
+    sendPart(batch.first(size), false);
+    batch = batch.subspan(size);
   }
 }
 
@@ -211,7 +214,7 @@ void BatchSender::nameFaults(Batch part) {
 void BatchSender::commit(Batch part) {
   if (oneTransaction_) {
     openRows_ += sentRows_;
-    if (options_.dryRun && rejects_ != nullptr && !savepoints_) {
+    if (triesOut(Resumption::kNothing)) {
       target_.rollback();
     }
     counts_.rowsRejected = rejects_ != nullptr ? rejects_->count() : 0;
@@ -242,18 +245,24 @@ void BatchSender::advance(Batch part) {
   }
 }
 
-// A dry run is one transaction, so that it sees its own rows: what fails is undone to a savepoint.
-// Without savepoints each batch is rolled back by itself.
+// A dry run is one transaction, so that it sees its own rows: of what fails nothing is left, or it
+// is undone to a savepoint. Where neither can be each batch is rolled back by itself.
+bool BatchSender::triesOut(Resumption resumption) const {
+  return options_.dryRun && rejects_ != nullptr && resumption_ == resumption;
+}
+
 void BatchSender::begin() {
-  if (options_.dryRun && rejects_ != nullptr && savepoints_) {
+  if (triesOut(Resumption::kSavepoint)) {
     target_.session().update("savepoint zeldb", {});
   }
 }
 
 void BatchSender::undo() {
-  if (options_.dryRun && rejects_ != nullptr && savepoints_) {
+  if (triesOut(Resumption::kSavepoint)) {
     target_.forget();
     target_.session().update("rollback to savepoint zeldb", {});
+  } else if (triesOut(Resumption::kStatement)) {
+    target_.forget();
   } else {
     target_.rollback();
   }

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "zeldb/batch_target.h"
+#include "zeldb/database_product.h"
 #include "zeldb/failure.h"
 #include "zeldb/key_lookup.h"
 #include "zeldb/ledger.h"
@@ -64,6 +65,8 @@ class BatchSender {
   void nameFaults(Batch part);
   void commit(Batch part);
   void advance(Batch part);
+  // Whether this is a dry run that names bad rows, on a database that goes on so.
+  bool triesOut(Resumption resumption) const;
   void begin();
   void undo();
   bool settle(Batch part, const Failure& doubt);
@@ -86,7 +89,7 @@ class BatchSender {
   const KeyLookup* lookup_ = nullptr;
   RetryPolicy retry_;
   bool oneTransaction_;
-  bool savepoints_;
+  Resumption resumption_;
   LoadPosition position_;
   std::uint64_t sentRows_ = 0;   // of the part
   std::uint64_t openRows_ = 0;   // sent before it, in the one transaction

@@ -11,13 +11,15 @@
 namespace zeldb {
 namespace {
 
-// SQLite's driver keeps milliseconds. PostgreSQL's puts savepoints of its own around each
-// statement.
+// SQLite's driver keeps milliseconds. PostgreSQL's puts a savepoint of its own around each
+// statement, batches too, which leaves no room for others.
 constexpr std::array<ProductTraits, 4> kProducts = {{
-    {Product::kSqlite, "SQLite", 3, 15U, true, false, false, true, false},
-    {Product::kPostgresql, "PostgreSQL", 6, std::nullopt, true, true, true, false, true},
-    {Product::kMariadb, "MariaDB", 6, std::nullopt, false, false, true, true, true},
-    {Product::kOther, "other", 6, std::nullopt, true, true, true, false, false},
+    {Product::kSqlite, "SQLite", 3, 15U, true, false, false, Resumption::kSavepoint, false},
+    {Product::kPostgresql, "PostgreSQL", 6, std::nullopt, true, true, true, Resumption::kStatement,
+     true},
+    {Product::kMariadb, "MariaDB", 6, std::nullopt, false, false, true, Resumption::kSavepoint,
+     true},
+    {Product::kOther, "other", 6, std::nullopt, true, true, true, Resumption::kNothing, false},
 }};
 
 const ProductTraits& traitsOf(Product product) {

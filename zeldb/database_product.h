@@ -10,6 +10,13 @@ class FirstGenerationSession;
 // Databases that differ in what a load has to know.
 enum class Product { kSqlite, kPostgresql, kMariadb, kOther };
 
+// What a transaction goes on from after one of its statements has failed.
+enum class Resumption {
+  kSavepoint,  // one that was set before
+  kStatement,  // the failed statement, of which nothing is left
+  kNothing,    // the transaction has to be rolled back
+};
+
 struct ProductTraits {
   Product product;
   std::string_view name;
@@ -19,8 +26,7 @@ struct ProductTraits {
   bool infinity;                   // in floats
   bool notANumber;
   bool daysOnly;  // whether dates have no time of day
-  // Whether statements of the user and the driver can both use savepoints.
-  bool savepoints;
+  Resumption resumption;
   // Whether the standard's catalogue is there: information_schema.
   bool informationSchema;
 };
