@@ -10,15 +10,20 @@
 namespace verify {
 namespace {
 
-const fake::Answer kAnswers[] = {
-    fake::failure("42000", 7, "no"),
-    fake::failureWithoutRecord(),
-    {SQL_SUCCESS_WITH_INFO, {}},
-    {SQL_STILL_EXECUTING, {}},
-    {SQL_NEED_DATA, {}},
-    {SQL_NO_DATA, {}},
-    {SQL_INVALID_HANDLE, {}},
-    {7, {}},
+struct Answer : fake::Answer {
+  std::string_view logged;  // with the refusal, by the first generation
+  std::string_view record;  // of the second generation
+};
+
+const Answer kAnswers[] = {
+    {fake::failure("42000", 7, "no"), kDiagnostic, "[-1][42000]no"},
+    {fake::failureWithoutRecord(), "", "[-1][]"},
+    {{SQL_SUCCESS_WITH_INFO, {}}, "", "[1][]"},
+    {{SQL_STILL_EXECUTING, {}}, "", "[2]Still executing"},
+    {{SQL_NEED_DATA, {}}, "", "[99]Need data"},
+    {{SQL_NO_DATA, {}}, "", "[100]No data"},
+    {{SQL_INVALID_HANDLE, {}}, "", "[-2]Invalid handle"},
+    {{7, {}}, "", "[7]Unknown error"},
 };
 
 enum class Expected { kDone, kRefused, kEither };
@@ -126,6 +131,19 @@ class Trial {
 
   const std::string& faulted() const { return faulted_; }
 
+  // The refusal of a single fault gives the driver's own reason.
+  void expectReason(const Answer& answer, const std::string& what) {
+    if (operation_.generation == Generation::kSecond) {
+      // Of what could not be made nobody can ask why.
+      const bool asked = faulted_ != "SQLAllocHandle" || answer.records.empty();
+      if (world_.error->getErrorString() != (asked ? answer.record : "[-1][]")) {
+        check_.found(what + ": says " + world_.error->getErrorString());
+      }
+    } else if (!answer.logged.empty() && !world_.diagnosticLogged) {
+      check_.found(what + ": does not log the diagnostic");
+    }
+  }
+
   // What must hold whatever failed: the refusal is told, the server can go on, and nothing is left
   // behind.
   void expectSound(Outcome outcome, const std::string& what) {
@@ -191,8 +209,8 @@ int countCalls(Check& check, const Operation& operation, bool safe) {
   return calls;
 }
 
-void tryFault(Check& check, const Operation& operation, bool safe, int call,
-              const fake::Answer& answer, bool fromThenOn) {
+void tryFault(Check& check, const Operation& operation, bool safe, int call, const Answer& answer,
+              bool fromThenOn) {
   Trial trial(check, operation, safe);
   trial.world().odbc.fail("", call, answer, fromThenOn);
   const Outcome outcome = trial.run();
@@ -203,6 +221,7 @@ void tryFault(Check& check, const Operation& operation, bool safe, int call,
     const Expected expected = expectedOf(operation, safe, trial.faulted(), answer.rc);
     if (expected == Expected::kDone && outcome != Outcome::kDone) check.found(what + ": refused");
     if (expected == Expected::kRefused && outcome == Outcome::kDone) check.found(what + ": done");
+    if (expected == Expected::kRefused) trial.expectReason(answer, what);
   }
   trial.expectSound(outcome, what);
 }
@@ -215,7 +234,7 @@ bool checkFaults(const Options&) {
     for (const bool safe : {false, true}) {
       const int calls = countCalls(check, operation, safe);
       for (int call = 1; call <= calls; ++call) {
-        for (const fake::Answer& answer : kAnswers) {
+        for (const Answer& answer : kAnswers) {
           tryFault(check, operation, safe, call, answer, false);
           tryFault(check, operation, safe, call, answer, true);
         }

@@ -142,7 +142,12 @@ World::World(bool safeTransfer)
   rowParameters = {number, text};
   parameterCells[0].int32 = 7;
   // Counts without keeping anything, so that a check of allocations sees none of its own.
-  previousSink = KORVEX::Zel::installLogSink([this](const auto&) { ++logLines; });
+  previousSink = KORVEX::Zel::installLogSink([this](const auto& message) {
+    ++logLines;
+    for (const std::string_view part : {message.text1, message.text2}) {
+      diagnosticLogged |= part.find(kDiagnostic) != part.npos;
+    }
+  });
   driver.reset(FactoryDriver("odbc"));
   error = driver->createError("");
 }

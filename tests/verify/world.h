@@ -29,6 +29,7 @@ inline constexpr char kQuery[] = "select ?";            // for the first generat
 inline constexpr char kQuery2[] = "select ? for rows";  // the same for the second
 inline constexpr char kInsert[] = "insert ?,?";
 inline constexpr char kTable[] = "t";
+inline constexpr char kDiagnostic[] = "[42000][7][no]";  // a record as it is logged
 
 // A server in small: a driver, a connection of each generation, and what they have handed out.
 // Below is the scripted ODBC. The arguments of all operations are made beforehand, so that what an
@@ -79,7 +80,8 @@ struct World {
   std::vector<int> bindings = {0};
   PackedRow packedRow;
 
-  std::uint64_t logLines = 0;  // since the world was made
+  std::uint64_t logLines = 0;     // since the world was made
+  bool diagnosticLogged = false;  // in any of them
   KORVEX::Zel::LogSink previousSink;
 
   // Results.
