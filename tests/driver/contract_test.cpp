@@ -30,180 +30,106 @@ std::ptrdiff_t slotOf(Operation operation) {
 }
 
 // One overload of an operation, by its argument types.
-template <typename Class, typename Result, typename... Arguments>
-std::ptrdiff_t slot(Result (Class::*operation)(Arguments...)) {
-  return slotOf(operation);
+template <typename... Arguments, typename Class, typename Result>
+auto over(Result (Class::*operation)(Arguments...)) {
+  return operation;
 }
 
-template <typename Class, typename Result, typename... Arguments>
-std::ptrdiff_t constSlot(Result (Class::*operation)(Arguments...) const) {
-  return slotOf(operation);
-}
-
-using Slots = std::vector<std::ptrdiff_t>;
-using Params = const std::vector<Parameter>&;
-using Text = const std::string&;
-using Names = const std::vector<std::string>&;
-using Types = const std::vector<unsigned int>&;
-using Keys = const std::vector<bool>&;
-using Value = const DataTypes::DataValue&;
-using C = Connection;
-using R = ResultCode;
-
-// 0, 1, 2 ... from `first`: the operations were named in slot order.
-Slots inOrder(std::ptrdiff_t first, std::size_t count) {
-  Slots slots(count);
-  for (std::size_t i = 0; i < count; ++i) slots[i] = first + static_cast<std::ptrdiff_t>(i);
-  return slots;
-}
-
+constexpr std::ptrdiff_t kNoDestructor = 0;
 constexpr std::ptrdiff_t kBehindDestructors = 2;
 
-void expectOrder(const char* name, const Slots& slots, std::ptrdiff_t first) {
-  EXPECT_EQ(slots, inOrder(first, slots.size())) << name;
+// The operations have the slots from `first` on, in the order in which they are named.
+template <typename... Operation>
+void expectOrder(const char* name, std::ptrdiff_t first, Operation... operations) {
+  std::ptrdiff_t expected = first;
+  for (const std::ptrdiff_t slot : {slotOf(operations)...}) {
+    EXPECT_EQ(slot, expected) << name << ", operation " << expected - first;
+    ++expected;
+  }
 }
 
+using Params = const std::vector<Parameter>&;
+using Text = const std::string&;
+using Strings = std::vector<std::string>;
+using Names = const Strings&;
+using Types = const std::vector<unsigned int>&;
+using Keys = const std::vector<bool>&;
+
 TEST(HostContractTest, ConnectionAndDriverSlots) {
-  expectOrder(
-      "Driver",
-      {slot(&Driver::createConnection), slot(&Driver::releaseConnection),
-       slot(&Driver::createError), slot(&Driver::releaseError), slot(&Driver::createConnection2),
-       slot(&Driver::releaseConnection2), slot(&Driver::initialize)},
-      kBehindDestructors);
-  expectOrder("Connection",
-              {slot(&C::open),
-               slot(&C::close),
-               slot(&C::commit),
-               slot(&C::rollback),
-               slot(&C::executeQuery),
-               slot(&C::executeUpdate),
-               slot(&C::nextResultSet),
-               slot(&C::getResultSet),
-               slot(&C::createBatch),
-               slot(&C::addToBatch),
-               slot(&C::clearBatch),
-               slot(&C::executeBatch),
-               slot(&C::getSchemaNames),
-               slot<C, R, std::vector<std::string>&>(&C::getTableNames),
-               slot<C, R, Text, int&>(&C::getTableNumColumns),
-               slot<C, R, Text, int, bool&>(&C::getTableColumnPrimaryKey),
-               slot<C, R, Text, int, std::string&, unsigned&>(&C::getTableColumnInfo),
-               slot<C, R, Text, int, const Column*&>(&C::getTableColumnInfo),
-               slot<C, R, Text, Names, Types, Keys, bool, bool>(&C::createTable),
-               slot<C, R, Text, std::vector<std::string>&>(&C::getTableNames),
-               slot<C, R, Text, Text, int&>(&C::getTableNumColumns),
-               slot<C, R, Text, Text, int, bool&>(&C::getTableColumnPrimaryKey),
-               slot<C, R, Text, Text, int, std::string&, unsigned&>(&C::getTableColumnInfo),
-               slot<C, R, Text, Text, int, const Column*&>(&C::getTableColumnInfo),
-               slot<C, R, Text, Text, Names, Types, Keys, bool, bool>(&C::createTable),
-               slot(&C::getDriverProperty),
-               slot(&C::getLastErrors),
-               slot(&C::getHandle)},
-              kBehindDestructors);
+  expectOrder("Driver", kBehindDestructors, &Driver::createConnection, &Driver::releaseConnection,
+              &Driver::createError, &Driver::releaseError, &Driver::createConnection2,
+              &Driver::releaseConnection2, &Driver::initialize);
+  using C = Connection;
+  expectOrder("Connection", kBehindDestructors, &C::open, &C::close, &C::commit, &C::rollback,
+              &C::executeQuery, &C::executeUpdate, &C::nextResultSet, &C::getResultSet,
+              &C::createBatch, &C::addToBatch, &C::clearBatch, &C::executeBatch, &C::getSchemaNames,
+              over<Strings&>(&C::getTableNames), over<Text, int&>(&C::getTableNumColumns),
+              over<Text, int, bool&>(&C::getTableColumnPrimaryKey),
+              over<Text, int, std::string&, unsigned&>(&C::getTableColumnInfo),
+              over<Text, int, const Column*&>(&C::getTableColumnInfo),
+              over<Text, Names, Types, Keys, bool, bool>(&C::createTable),
+              over<Text, Strings&>(&C::getTableNames),
+              over<Text, Text, int&>(&C::getTableNumColumns),
+              over<Text, Text, int, bool&>(&C::getTableColumnPrimaryKey),
+              over<Text, Text, int, std::string&, unsigned&>(&C::getTableColumnInfo),
+              over<Text, Text, int, const Column*&>(&C::getTableColumnInfo),
+              over<Text, Text, Names, Types, Keys, bool, bool>(&C::createTable),
+              &C::getDriverProperty, &C::getLastErrors, &C::getHandle);
 }
 
 TEST(HostContractTest, StatementAndResultSetSlots) {
   using S = Statement;
-  expectOrder("Statement",
-              {slot(&S::close),
-               slot<S, R, Params, int, ResultSet*&>(&S::executeQuery),
-               slot<S, R, Text, Params, int, ResultSet*&>(&S::executeQuery),
-               slot<S, R, Params, int&>(&S::executeUpdate),
-               slot<S, R, Text, Params, int&>(&S::executeUpdate),
-               slot(&S::nextResultSet),
-               slot(&S::getResultSet),
-               slot(&S::createBatch),
-               slot(&S::addToBatch),
-               slot(&S::clearBatch),
-               slot(&S::executeBatch),
-               slot(&S::bindParameters),
-               slot(&S::bindParameterInt16),
-               slot(&S::bindParameterInt32),
-               slot(&S::bindParameterInt64),
-               slot(&S::bindParameterDouble),
-               slot(&S::bindParameterDate),
-               slot(&S::bindParameterString),
-               slot(&S::bindParameterMoney),
-               slot(&S::bindParameterTimestamp),
-               slot(&S::bindParameterBoolean),
-               slot(&S::bindParameterInterval),
-               slot(&S::bindParameterBigDateTime),
-               slot(&S::bindParameterTime),
-               slot(&S::bindParameterFixedDecimal),
-               slot(&S::bindParameterBinary)},
-              kBehindDestructors);
-  using RS = ResultSet;
-  expectOrder("ResultSet",
-              {slot(&RS::close),
-               slot(&RS::next),
-               slot(&RS::getData),
-               slot(&RS::getNumColumns),
-               slot(&RS::getColumnInfo),
-               slot(&RS::getColumnName),
-               slot(&RS::getColumnType),
-               slot(&RS::getColumn),
-               slot(&RS::getColumnInt16),
-               slot(&RS::getColumnInt32),
-               slot(&RS::getColumnInt64),
-               slot(&RS::getColumnDouble),
-               slot(&RS::getColumnDate),
-               slot(&RS::getColumnString),
-               slot(&RS::getColumnMoney),
-               slot(&RS::getColumnTimestamp),
-               slot(&RS::getColumnBoolean),
-               slot(&RS::getColumnInterval),
-               slot(&RS::getColumnBigDateTime),
-               slot(&RS::getColumnTime),
-               slot(&RS::getColumnFixedDecimal),
-               slot(&RS::getColumnBinary)},
-              kBehindDestructors);
+  expectOrder("Statement", kBehindDestructors, &S::close,
+              over<Params, int, ResultSet*&>(&S::executeQuery),
+              over<Text, Params, int, ResultSet*&>(&S::executeQuery),
+              over<Params, int&>(&S::executeUpdate), over<Text, Params, int&>(&S::executeUpdate),
+              &S::nextResultSet, &S::getResultSet, &S::createBatch, &S::addToBatch, &S::clearBatch,
+              &S::executeBatch, &S::bindParameters, &S::bindParameterInt16, &S::bindParameterInt32,
+              &S::bindParameterInt64, &S::bindParameterDouble, &S::bindParameterDate,
+              &S::bindParameterString, &S::bindParameterMoney, &S::bindParameterTimestamp,
+              &S::bindParameterBoolean, &S::bindParameterInterval, &S::bindParameterBigDateTime,
+              &S::bindParameterTime, &S::bindParameterFixedDecimal, &S::bindParameterBinary);
+  using R = ResultSet;
+  expectOrder("ResultSet", kBehindDestructors, &R::close, &R::next, &R::getData, &R::getNumColumns,
+              &R::getColumnInfo, &R::getColumnName, &R::getColumnType, &R::getColumn,
+              &R::getColumnInt16, &R::getColumnInt32, &R::getColumnInt64, &R::getColumnDouble,
+              &R::getColumnDate, &R::getColumnString, &R::getColumnMoney, &R::getColumnTimestamp,
+              &R::getColumnBoolean, &R::getColumnInterval, &R::getColumnBigDateTime,
+              &R::getColumnTime, &R::getColumnFixedDecimal, &R::getColumnBinary);
 }
 
 TEST(HostContractTest, MetadataAndColumnSlots) {
   using M = DatabaseMetadata;
-  expectOrder("DatabaseMetadata",
-              {slot(&M::getSchemaNames), slot(&M::getTableNames), slot(&M::getTableNumColumns),
-               slot(&M::getTableColumnName), slot(&M::getTableColumnType),
-               slot(&M::getTableColumnPrimaryKey),
-               slot<M, R, Text, int, std::string&, unsigned&>(&M::getTableColumnInfo),
-               slot<M, R, Text, int, const Column*&>(&M::getTableColumnInfo),
-               slot(&M::getLastErrors), slot(&M::getTableAllColumnInfo)},
-              kBehindDestructors);
-  expectOrder("Column", {constSlot(&Column::getZelDataType), constSlot(&Column::getSqlTypeString)},
-              kBehindDestructors);
+  expectOrder("DatabaseMetadata", kBehindDestructors, &M::getSchemaNames, &M::getTableNames,
+              &M::getTableNumColumns, &M::getTableColumnName, &M::getTableColumnType,
+              &M::getTableColumnPrimaryKey,
+              over<Text, int, std::string&, unsigned&>(&M::getTableColumnInfo),
+              over<Text, int, const Column*&>(&M::getTableColumnInfo), &M::getLastErrors,
+              &M::getTableAllColumnInfo);
+  expectOrder("Column", kBehindDestructors, &Column::getZelDataType, &Column::getSqlTypeString);
 }
 
 TEST(HostContractTest, SecondGenerationHasNoDestructorSlots) {
-  using C2 = Connection2;
+  using C = Connection2;
   using Sql = const char*;
-  expectOrder("Connection2",
-              {constSlot(&C2::getImplementationName), constSlot(&C2::getService),
-               slot(&C2::connect), slot(&C2::disconnect),
-               slot<C2, PreparedStatement*, Sql, const RecordType*, bool, DBError*>(
-                   &C2::createPreparedStatement),
-               slot<C2, PreparedStatement*, Sql, int, const unsigned*, bool, DBError*>(
-                   &C2::createPreparedStatement),
-               slot<C2, PreparedStatement*, Sql, DBError*>(&C2::createPreparedStatement),
-               slot(&C2::releaseStatement), slot(&C2::commit), slot(&C2::rollback)},
-              0);
+  expectOrder("Connection2", kNoDestructor, &C::getImplementationName, &C::getService, &C::connect,
+              &C::disconnect,
+              over<Sql, const RecordType*, bool, DBError*>(&C::createPreparedStatement),
+              over<Sql, int, const unsigned*, bool, DBError*>(&C::createPreparedStatement),
+              over<Sql, DBError*>(&C::createPreparedStatement), &C::releaseStatement, &C::commit,
+              &C::rollback);
   using P = PreparedStatement;
   using Cells = std::vector<DataTypes::DataValue>&;
-  expectOrder("PreparedStatement",
-              {constSlot(&P::getNumberParameters), constSlot(&P::getEffectiveNumberColumns),
-               constSlot(&P::getColumnName), constSlot(&P::getEffectiveDataType),
-               slot(&P::setBindings), slot<P, int, const RowInternal2*, DBError*>(&P::execute),
-               slot<P, int, const RowInternal2**, DBError*>(&P::execute),
-               slot<P, int, Cells, std::vector<unsigned>&, DBError*>(&P::execute),
-               slot<P, int, DBError*>(&P::execute), slot<P, int, Cells, DBError*>(&P::nextRow),
-               slot<P, const RowInternal2*, DBError*>(&P::nextRow), slot(&P::hasMoreData),
-               slot(&P::nextResultSet), slot(&P::nextCount)},
-              0);
-  expectOrder("DBError",
-              {constSlot(&DBError::getService), constSlot(&DBError::getNativeErrorCode),
-               constSlot(&DBError::getErrorString), constSlot(&DBError::isConnectionError),
-               constSlot(&DBError::isSuccessWithInfo), constSlot(&DBError::toString),
-               constSlot(&DBError::getErrorSource)},
-              0);
+  expectOrder("PreparedStatement", kNoDestructor, &P::getNumberParameters,
+              &P::getEffectiveNumberColumns, &P::getColumnName, &P::getEffectiveDataType,
+              &P::setBindings, over<const RowInternal2*, DBError*>(&P::execute),
+              over<const RowInternal2**, DBError*>(&P::execute),
+              over<Cells, std::vector<unsigned>&, DBError*>(&P::execute),
+              over<DBError*>(&P::execute), over<Cells, DBError*>(&P::nextRow),
+              over<DBError*>(&P::nextRow), &P::hasMoreData, &P::nextResultSet, &P::nextCount);
+  using E = DBError;
+  expectOrder("DBError", kNoDestructor, &E::getService, &E::getNativeErrorCode, &E::getErrorString,
+              &E::isConnectionError, &E::isSuccessWithInfo, &E::toString, &E::getErrorSource);
 }
 
 TEST(HostContractTest, PluginExportsWhatItMayAndNothingElse) {
