@@ -18,7 +18,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -178,8 +177,6 @@ class FakeOdbc {
   // Written to the parameter status array at SQLExecute; null: one success a row; empty: nothing.
   std::optional<std::vector<SQLUSMALLINT>> paramStatus;
   bool linksLost = false;  // what connections say when asked whether they are dead
-  // Functions that SQLGetFunctions denies.
-  std::set<SQLUSMALLINT> unsupported;
   // The next call of that name (behind those already waiting) answers this.
   void answer(const std::string& function, Answer answer) {
     answers_[function].push_back(std::move(answer));
@@ -193,8 +190,8 @@ class FakeOdbc {
   // Records.
   bool logging = true;
   // One line a call: "SQLBindParameter(1,1,-16,4,10,0,ptr,24,ptr)". Handles are left out, texts are
-  // quoted, addresses read "ptr" or "null". SQLGetDiagRec and SQLGetDiagField are left out: how
-  // often a driver manager asks is its own affair.
+  // quoted, addresses read "ptr" or "null". SQLGetDiagRec is left out: how often a driver manager
+  // asks is its own affair.
   std::vector<std::string> takeLog() { return std::exchange(log, {}); }
   std::vector<std::string> log;
   std::string lastFault;  // the function whose call was the last to be made to fail by fail()
@@ -224,7 +221,6 @@ class FakeOdbc {
     params.clear();
     paramStatus.reset();
     linksLost = false;
-    unsupported.clear();
     answers_.clear();
     faults_.clear();
     callCounts_.clear();

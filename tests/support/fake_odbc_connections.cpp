@@ -20,7 +20,6 @@ using fake::Handle;
 using fake::join;
 using fake::quoted;
 using fake::self;
-using fake::text;
 
 extern "C" {
 
@@ -73,15 +72,6 @@ SQLRETURN SQLConnect(SQLHDBC dbc, SQLCHAR* dsn, SQLSMALLINT dsnLength, SQLCHAR* 
   return call.rc();
 }
 
-SQLRETURN SQLDriverConnect(SQLHDBC dbc, SQLHWND, SQLCHAR* in, SQLSMALLINT inLength, SQLCHAR* out,
-                           SQLSMALLINT room, SQLSMALLINT* length, SQLUSMALLINT completion) {
-  Call call("SQLDriverConnect", SQL_HANDLE_DBC, dbc, join(quoted(in, inLength), completion));
-  if (call.refused()) return call.rc();
-  call->connected = true;
-  give(text(in, inLength), out, room, length);
-  return call.rc();
-}
-
 SQLRETURN SQLDisconnect(SQLHDBC dbc) {
   Call call("SQLDisconnect", SQL_HANDLE_DBC, dbc, "");
   if (call.refused()) return call.rc();
@@ -111,21 +101,6 @@ SQLRETURN SQLGetInfo(SQLHDBC dbc, SQLUSMALLINT type, SQLPOINTER value, SQLSMALLI
   return call.rc();
 }
 
-SQLRETURN SQLGetFunctions(SQLHDBC dbc, SQLUSMALLINT function, SQLUSMALLINT* supported) {
-  Call call("SQLGetFunctions", SQL_HANDLE_DBC, dbc, join(function));
-  if (call.refused()) return call.rc();
-  const auto has = [](SQLUSMALLINT id) { return self().unsupported.count(id) == 0; };
-  if (function == SQL_API_ODBC3_ALL_FUNCTIONS) {
-    std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, SQLUSMALLINT{0xFFFF});
-    for (const SQLUSMALLINT id : self().unsupported) {
-      supported[id >> 4] = static_cast<SQLUSMALLINT>(supported[id >> 4] & ~(1U << (id & 0xF)));
-    }
-  } else {
-    *supported = has(function) ? SQL_TRUE : SQL_FALSE;
-  }
-  return call.rc();
-}
-
 SQLRETURN SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLCHAR* state,
                         SQLINTEGER* native, SQLCHAR* message, SQLSMALLINT room,
                         SQLSMALLINT* length) {
@@ -138,27 +113,21 @@ SQLRETURN SQLGetDiagRec(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, 
   return give(record.message, message, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
+// The driver manager asks so.
 SQLRETURN SQLGetDiagField(SQLSMALLINT type, SQLHANDLE handle, SQLSMALLINT number, SQLSMALLINT field,
                           SQLPOINTER value, SQLSMALLINT room, SQLSMALLINT* length) {
   Call call("SQLGetDiagField", type, handle, join(number, field, room));
   if (call.refused()) return call.rc();
-  if (field == SQL_DIAG_NUMBER) {
-    give(static_cast<SQLINTEGER*>(value), call->records.size());
-    return SQL_SUCCESS;
-  }
   if (number < 1 || static_cast<std::size_t>(number) > call->records.size()) return SQL_NO_DATA;
   const fake::Diagnostic& record = call->records[static_cast<std::size_t>(number) - 1];
-  switch (field) {
-    case SQL_DIAG_NATIVE:
-      give(static_cast<SQLINTEGER*>(value), record.native);
-      return SQL_SUCCESS;
-    case SQL_DIAG_SQLSTATE:
-      return give(record.state, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-    case SQL_DIAG_MESSAGE_TEXT:
-      return give(record.message, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
-    default:
-      return give("", value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
+  if (field == SQL_DIAG_NATIVE) {
+    give(static_cast<SQLINTEGER*>(value), record.native);
+    return SQL_SUCCESS;
   }
+  const std::string text = field == SQL_DIAG_SQLSTATE       ? record.state
+                           : field == SQL_DIAG_MESSAGE_TEXT ? record.message
+                                                            : "";
+  return give(text, value, room, length) ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
 }  // extern "C"

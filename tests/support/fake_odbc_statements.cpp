@@ -37,6 +37,11 @@ SQLRETURN runCatalogFunction(const char* function, SQLHSTMT handle, const std::s
   return call.rc();
 }
 
+// A name and its length.
+std::string named(const SQLCHAR* name, SQLSMALLINT length) {
+  return join(quoted(name, length), length);
+}
+
 }  // namespace
 
 extern "C" {
@@ -139,12 +144,9 @@ SQLRETURN SQLColAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQLUSMALLINT field
   if (column == nullptr) return call.answer(SQL_ERROR, "07009", "no such column");
   switch (field) {
     case SQL_DESC_NAME:
-    case SQL_DESC_LABEL:
-    case SQL_COLUMN_NAME:
       if (give(column->name, chars, room, length)) return call.rc();
       return call.answer(SQL_SUCCESS_WITH_INFO, "01004", "name cut");
     case SQL_DESC_CONCISE_TYPE:
-    case SQL_DESC_TYPE:
       give(value, column->sqlType);
       break;
     case SQL_DESC_DISPLAY_SIZE:
@@ -153,23 +155,8 @@ SQLRETURN SQLColAttribute(SQLHSTMT stmt, SQLUSMALLINT number, SQLUSMALLINT field
     case SQL_DESC_UNSIGNED:
       give(value, column->isUnsigned ? SQL_TRUE : SQL_FALSE);
       break;
-    case SQL_DESC_LENGTH:
-    case SQL_DESC_OCTET_LENGTH:
-    case SQL_DESC_PRECISION:
-    case SQL_COLUMN_LENGTH:
-    case SQL_COLUMN_PRECISION:
-      give(value, column->columnSize);
-      break;
-    case SQL_DESC_SCALE:
-    case SQL_COLUMN_SCALE:
-      give(value, column->decimalDigits);
-      break;
-    case SQL_DESC_NULLABLE:
-    case SQL_COLUMN_NULLABLE:
-      give(value, column->nullable);
-      break;
     default:
-      give(value, 0);
+      return call.answer(SQL_ERROR, "HY091", "no such field");
   }
   return call.rc();
 }
@@ -262,34 +249,20 @@ SQLRETURN SQLFreeStmt(SQLHSTMT stmt, SQLUSMALLINT option) {
   return call.rc();
 }
 
-SQLRETURN SQLCloseCursor(SQLHSTMT stmt) {
-  Call call("SQLCloseCursor", SQL_HANDLE_STMT, stmt, "");
-  if (!call.refused()) call->executed = false;
-  return call.rc();
-}
-
-SQLRETURN SQLCancel(SQLHSTMT stmt) {
-  return Call("SQLCancel", SQL_HANDLE_STMT, stmt, "").rc();
-}
-
 SQLRETURN SQLTables(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
                     SQLSMALLINT schemaLength, SQLCHAR* table, SQLSMALLINT tableLength,
                     SQLCHAR* type, SQLSMALLINT typeLength) {
-  return runCatalogFunction(
-      "SQLTables", stmt,
-      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
-           schemaLength, quoted(table, tableLength), tableLength, quoted(type, typeLength),
-           typeLength));
+  return runCatalogFunction("SQLTables", stmt,
+                            join(named(catalog, catalogLength), named(schema, schemaLength),
+                                 named(table, tableLength), named(type, typeLength)));
 }
 
 SQLRETURN SQLColumns(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
                      SQLSMALLINT schemaLength, SQLCHAR* table, SQLSMALLINT tableLength,
                      SQLCHAR* column, SQLSMALLINT columnLength) {
-  return runCatalogFunction(
-      "SQLColumns", stmt,
-      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
-           schemaLength, quoted(table, tableLength), tableLength, quoted(column, columnLength),
-           columnLength));
+  return runCatalogFunction("SQLColumns", stmt,
+                            join(named(catalog, catalogLength), named(schema, schemaLength),
+                                 named(table, tableLength), named(column, columnLength)));
 }
 
 SQLRETURN SQLPrimaryKeys(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength,
@@ -297,27 +270,23 @@ SQLRETURN SQLPrimaryKeys(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLen
                          SQLSMALLINT tableLength) {
   return runCatalogFunction(
       "SQLPrimaryKeys", stmt,
-      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
-           schemaLength, quoted(table, tableLength), tableLength));
+      join(named(catalog, catalogLength), named(schema, schemaLength), named(table, tableLength)));
 }
 
 SQLRETURN SQLProcedures(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength, SQLCHAR* schema,
                         SQLSMALLINT schemaLength, SQLCHAR* procedure, SQLSMALLINT procedureLength) {
-  return runCatalogFunction(
-      "SQLProcedures", stmt,
-      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
-           schemaLength, quoted(procedure, procedureLength), procedureLength));
+  return runCatalogFunction("SQLProcedures", stmt,
+                            join(named(catalog, catalogLength), named(schema, schemaLength),
+                                 named(procedure, procedureLength)));
 }
 
 SQLRETURN SQLProcedureColumns(SQLHSTMT stmt, SQLCHAR* catalog, SQLSMALLINT catalogLength,
                               SQLCHAR* schema, SQLSMALLINT schemaLength, SQLCHAR* procedure,
                               SQLSMALLINT procedureLength, SQLCHAR* column,
                               SQLSMALLINT columnLength) {
-  return runCatalogFunction(
-      "SQLProcedureColumns", stmt,
-      join(quoted(catalog, catalogLength), catalogLength, quoted(schema, schemaLength),
-           schemaLength, quoted(procedure, procedureLength), procedureLength,
-           quoted(column, columnLength), columnLength));
+  return runCatalogFunction("SQLProcedureColumns", stmt,
+                            join(named(catalog, catalogLength), named(schema, schemaLength),
+                                 named(procedure, procedureLength), named(column, columnLength)));
 }
 
 }  // extern "C"
