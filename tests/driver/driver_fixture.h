@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "host/host.h"
@@ -28,6 +29,14 @@ inline Parameter parameter(unsigned int type) {
   return result;
 }
 
+template <typename Field>
+Parameter parameter(unsigned int type, Field DataTypes::DataValue::* field,
+                    std::type_identity_t<Field> value) {
+  Parameter result = parameter(type);
+  result.value.*field = value;
+  return result;
+}
+
 inline Parameter nullParameter(unsigned int type) {
   Parameter result = parameter(type);
   result.value.setNull();
@@ -35,21 +44,15 @@ inline Parameter nullParameter(unsigned int type) {
 }
 
 inline Parameter int64Parameter(unsigned int type, long value) {
-  Parameter result = parameter(type);
-  result.value.int64 = value;
-  return result;
+  return parameter(type, &DataTypes::DataValue::int64, value);
 }
 
 inline Parameter int32Parameter(int value) {
-  Parameter result = parameter(DataTypes::kInteger);
-  result.value.int32 = value;
-  return result;
+  return parameter(DataTypes::kInteger, &DataTypes::DataValue::int32, value);
 }
 
 inline Parameter stringParameter(const char* text) {
-  Parameter result = parameter(DataTypes::kString);
-  result.value.string = text;
-  return result;
+  return parameter(DataTypes::kString, &DataTypes::DataValue::string, text);
 }
 
 // A driver, a log, and the scripted ODBC below; whatever a test leaves open is a fault.

@@ -101,6 +101,7 @@ TEST_F(OdbcResultSetTest, ReadsEveryFamilyFromItsColumnsAndTheirRelatives) {
       {"double", kReal, fake::Cell::of(0.5), kFloat, "0.500000"},
       {"double of int64", kBig, "3", kFloat, "3.000000"},
       {"double of a decimal", kNumber, "-1.25", kFloat, "-1.250000"},
+      {"int64 of a decimal(4) as money(4)", kNumber, "1.5", 14, "15000"},
       {"boolean", column(SQL_BIT), "\x01", kBoolean, "1"},
       {"boolean of a NULL text", kText, {}, kBoolean, "0"},
       {"boolean of an integer column", kInt, fake::Cell::of(1), kBoolean, failed("")},
@@ -151,20 +152,12 @@ TEST_F(OdbcResultSetTest, ReadsEveryFamilyFromItsColumnsAndTheirRelatives) {
       {"type 31", kInt, fake::Cell::of(1), 31, ""},
   };
   open();
-  for (const Case& c : kCases) EXPECT_EQ(read(c.column, c.cell, c.type), c.expected) << c.name;
-}
-
-TEST_F(OdbcResultSetTest, NullsAreNullInEveryType) {
-  const unsigned kTypes[] = {kInt16,   kInteger,     kLong,         kFloat, kDate,
-                             kString,  kMoney,       kTimestamp,    14,     kInterval,
-                             kBoolean, kBigDateTime, kFixedDecimal, kTime,  kBinary};
-  const SQLSMALLINT kColumns[] = {
-      SQL_SMALLINT, SQL_INTEGER,        SQL_BIGINT,         SQL_DOUBLE,    SQL_TYPE_TIMESTAMP,
-      SQL_VARCHAR,  SQL_DECIMAL,        SQL_TYPE_TIMESTAMP, SQL_DECIMAL,   SQL_BIGINT,
-      SQL_BIT,      SQL_TYPE_TIMESTAMP, SQL_DECIMAL,        SQL_TYPE_TIME, SQL_VARBINARY};
-  open();
-  for (std::size_t i = 0; i < std::size(kTypes); ++i) {
-    EXPECT_EQ(read(column(kColumns[i], 20), {}, kTypes[i]), kNull) << kTypes[i];
+  for (const Case& c : kCases) {
+    EXPECT_EQ(read(c.column, c.cell, c.type), c.expected) << c.name;
+    const bool readable = !c.expected.empty() && !c.expected.starts_with("801");
+    if (readable && !c.cell.null) {
+      EXPECT_EQ(read(c.column, {}, c.type), kNull) << c.name;
+    }
   }
 }
 

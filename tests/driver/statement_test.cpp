@@ -31,36 +31,13 @@ std::string timeOfDay(unsigned short hour, unsigned short minute, unsigned short
   return raw(TIME_STRUCT{hour, minute, second});
 }
 
-Parameter doubleParameter(double value) {
-  Parameter result = parameter(kFloat);
-  result.value.float64 = value;
-  return result;
+// Of a negative or small decimal.
+FixedDecimalValue decimal(int precision, int scale, long coefficient) {
+  return {coefficient < 0 ? ~0UL : 0UL, static_cast<unsigned long>(coefficient),
+          static_cast<unsigned char>(scale), static_cast<unsigned char>(precision)};
 }
 
-Parameter int16Parameter(short value) {
-  Parameter result = parameter(kInt16);
-  result.value.int16 = value;
-  return result;
-}
-
-Parameter booleanParameter(bool value) {
-  Parameter result = parameter(kBoolean);
-  result.value.boolean = value;
-  return result;
-}
-
-Parameter binaryParameter(const char* bytes, unsigned length) {
-  Parameter result = parameter(kBinary);
-  result.value.binary = {reinterpret_cast<const unsigned char*>(bytes), length};
-  return result;
-}
-
-Parameter decimalParameter(int precision, int scale, long coefficient) {
-  Parameter result = parameter(createFixedDecimal(precision, scale));
-  result.value.decimal = {coefficient < 0 ? ~0UL : 0UL, static_cast<unsigned long>(coefficient),
-                          static_cast<unsigned char>(scale), static_cast<unsigned char>(precision)};
-  return result;
-}
+const unsigned char kBytes[] = {'a', 0, 'b'};
 
 struct BindingCase {
   const char* name;
@@ -71,11 +48,11 @@ struct BindingCase {
 
 const std::vector<BindingCase>& bindingCases() {
   static const std::vector<BindingCase> cases = {
-      {"int16", int16Parameter(-7), "-15,5,5,0", raw(short{-7})},
+      {"int16", parameter(kInt16, &DataValue::int16, -7), "-15,5,5,0", raw(short{-7})},
       {"integer", int32Parameter(-70000), "-16,4,10,0", raw(-70000)},
       {"long", int64Parameter(kLong, 9223372036854775807L), "-25,-5,19,0",
        raw(9223372036854775807L)},
-      {"float", doubleParameter(0.1), "8,8,15,0", raw(0.1)},
+      {"float", parameter(kFloat, &DataValue::float64, 0.1), "8,8,15,0", raw(0.1)},
       {"date", int64Parameter(kDate, 951782400), "93,93,19,0", timestamp(2000, 2, 29, 0, 0, 0, 0)},
       {"string", stringParameter("h\xC3\xA9"), "1,12,3,0", "h\xC3\xA9"},
       {"empty string", stringParameter(""), "1,12,0,0", ""},
@@ -87,14 +64,17 @@ const std::vector<BindingCase>& bindingCases() {
        timestamp(1969, 12, 31, 23, 59, 59, 999000000)},
       {"timestamp, floor", int64Parameter(kTimestamp, -1500), "93,93,23,3",
        timestamp(1969, 12, 31, 23, 59, 58, 500000000)},
-      {"boolean", booleanParameter(true), "-7,-6,3,0", "\x01"},
+      {"boolean", parameter(kBoolean, &DataValue::boolean, true), "-7,-6,3,0", "\x01"},
       {"interval", int64Parameter(kInterval, -2), "-25,-5,19,0", raw(-2L)},
       {"bigdatetime", int64Parameter(kBigDateTime, -1), "93,93,26,6",
        timestamp(1969, 12, 31, 23, 59, 59, 999999000)},
-      {"binary", binaryParameter("a\0b", 3), "-2,-3,3,0", std::string("a\0b", 3)},
+      {"binary", parameter(kBinary, &DataValue::binary, BinaryValue{kBytes, 3}), "-2,-3,3,0",
+       std::string("a\0b", 3)},
       {"time", int64Parameter(kTime, 86399), "92,92,6,0", timeOfDay(23, 59, 59)},
       {"time past midnight", int64Parameter(kTime, 90000), "92,92,6,0", timeOfDay(1, 0, 0)},
-      {"decimal(10,3)", decimalParameter(10, 3, -5), "1,3,10,3", "-0.005"},
+      {"decimal(10,3)",
+       parameter(createFixedDecimal(10, 3), &DataValue::decimal, decimal(10, 3, -5)), "1,3,10,3",
+       "-0.005"},
       {"null integer", nullParameter(kInteger), "-16,4,10,0", ""},
       {"null string", nullParameter(kString), "1,12,0,0", ""},
       {"null money(2)", nullParameter(12), "1,3,19,2", ""},
@@ -173,36 +153,34 @@ TEST_F(OdbcStatementTest, AnUnknownTypeFailsOnlyAtTheEnd) {
   EXPECT_EQ(log.take(), (Strings{"801017-3_ERROR_BINDING_PARAMETERS|u ?|"}));
 }
 
+// Sent as NULL or shifted bytes a value of another kind would be lost without a word.
 TEST_F(OdbcStatementTest, ARowThatFailsDoesNotShiftTheOthers) {
+  struct Case {
+    std::vector<Parameter> bad;
+    Strings logged;
+  };
+  const Case kCases[] = {
+      {{int32Parameter(2), parameter(kUnknown)}, {}},
+      {{int64Parameter(kLong, 2), stringParameter("b")},
+       {"801017-3_ERROR_BINDING_PARAMETERS|insert ?,?|a value differs in kind from the column's "
+        "first row"}},
+  };
   open();
-  ASSERT_EQ(connection->createBatch("insert ?,?"), kSuccess);
-  EXPECT_EQ(connection->addToBatch({int32Parameter(1), stringParameter("a")}), kSuccess);
-  EXPECT_EQ(connection->addToBatch({int32Parameter(2), parameter(kUnknown)}), kFailure);
-  EXPECT_EQ(connection->addToBatch({int32Parameter(3), stringParameter("c")}), kSuccess);
-  std::vector<int> status;
-  odbc.paramStatus = {SQL_PARAM_SUCCESS, SQL_PARAM_ERROR};
-  ASSERT_EQ(connection->executeBatch(status), kSuccess);
-  EXPECT_EQ(status, (std::vector<int>{0, -1}));
-  const auto& rows = odbc.executions.at(0).rows;
-  ASSERT_EQ(rows.size(), 2u);
-  EXPECT_EQ(rows[1][0].as<int>(), 3);
-  EXPECT_EQ(rows[1][1].bytes, "c");
-}
-
-// Sent as NULL or shifted bytes it would be lost without a word.
-TEST_F(OdbcStatementTest, AValueOfAnotherKindFailsItsBatchRow) {
-  open();
-  ASSERT_EQ(connection->createBatch("insert ?,?"), kSuccess);
-  EXPECT_EQ(connection->addToBatch({int32Parameter(1), int32Parameter(1)}), kSuccess);
-  EXPECT_EQ(connection->addToBatch({int64Parameter(kLong, 2), int32Parameter(2)}), kFailure);
-  EXPECT_EQ(log.take(), (Strings{"801017-3_ERROR_BINDING_PARAMETERS|insert ?,?|a value differs in "
-                                 "kind from the column's first row"}));
-  EXPECT_EQ(connection->addToBatch({int32Parameter(3), int32Parameter(3)}), kSuccess);
-  std::vector<int> status;
-  ASSERT_EQ(connection->executeBatch(status), kSuccess);
-  const auto& rows = odbc.executions.at(0).rows;
-  ASSERT_EQ(rows.size(), 2u);
-  EXPECT_EQ(rows[1][0].as<int>(), 3);
+  for (const Case& c : kCases) {
+    ASSERT_EQ(connection->createBatch("insert ?,?"), kSuccess);
+    EXPECT_EQ(connection->addToBatch({int32Parameter(1), stringParameter("a")}), kSuccess);
+    EXPECT_EQ(connection->addToBatch(c.bad), kFailure);
+    EXPECT_EQ(log.take(), c.logged);
+    EXPECT_EQ(connection->addToBatch({int32Parameter(3), stringParameter("c")}), kSuccess);
+    std::vector<int> status;
+    odbc.paramStatus = {SQL_PARAM_SUCCESS, SQL_PARAM_ERROR};
+    ASSERT_EQ(connection->executeBatch(status), kSuccess);
+    EXPECT_EQ(status, (std::vector<int>{0, -1}));
+    const auto& rows = odbc.executions.back().rows;
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[1][0].as<int>(), 3);
+    EXPECT_EQ(rows[1][1].bytes, "c");
+  }
 }
 
 TEST_F(OdbcStatementTest, UpdateCountsAndUpdatesThatHitNoRow) {

@@ -94,23 +94,6 @@ TEST_F(Statement, RowCountsAreNarrowed) {
   }
 }
 
-TEST_F(Statement, ExecuteStatuses) {
-  struct Case {
-    SQLRETURN rc;
-    Odbc::e_Status status;
-  };
-  for (const Case& c : {Case{SQL_NO_DATA, Odbc::e_NoData},
-                        {SQL_NEED_DATA, Odbc::e_NeedData},
-                        {SQL_STILL_EXECUTING, Odbc::e_Other},
-                        {SQL_ERROR, Odbc::e_Error},
-                        {SQL_SUCCESS_WITH_INFO, Odbc::e_Ok}}) {
-    prepare("update");
-    fake_.answer("SQLExecute", {c.rc, {}});
-    EXPECT_EQ(stmt_->Execute(), c.status);
-    EXPECT_EQ(fake_.takeLog(), Log({"SQLExecute()"}));
-  }
-}
-
 TEST_F(Statement, PreparesAnew) {
   prepare("insert ?,?");
   auto* param = stmt_->GetParam(2);

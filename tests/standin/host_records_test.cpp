@@ -41,36 +41,5 @@ TEST(Row, FreesTheBuffersHandedOverAndNoOthers) {
   EXPECT_STREQ(own, "mine");
 }
 
-TEST(RowDescriptor, TellsTypesByIndexFromZero) {
-  const RowDescriptor descriptor({5, 0x80C21E});
-  EXPECT_EQ(descriptor.getNumColumns(), 2);
-  EXPECT_EQ(descriptor.getColumnType(0), 5U);
-  EXPECT_EQ(descriptor.getColumnType(1), 0x80C21EU);
-}
-
-TEST(DBError2, ReadsItsFieldsThroughTheOperations) {
-  struct Record : DBError2 {
-  } record;
-  const DBError& error = record;
-  EXPECT_STREQ(error.getErrorString(), "");
-  EXPECT_EQ(error.getNativeErrorCode(), 0);
-  EXPECT_FALSE(error.isConnectionError());
-  record.service = "orders";
-  record.errorSource = "odbc";
-  record.nativeErrorCode = -7;
-  record.errorString = "gone";
-  record.connectionError = true;
-  EXPECT_STREQ(error.getService(), "orders");
-  EXPECT_STREQ(error.getErrorSource(), "odbc");
-  EXPECT_EQ(error.getNativeErrorCode(), -7);
-  EXPECT_STREQ(error.toString(), "gone");
-  EXPECT_TRUE(error.isConnectionError());
-  EXPECT_FALSE(error.isSuccessWithInfo());
-}
-
-TEST(Driver, NamesTheKeyOfTheDatabaseType) {
-  EXPECT_EQ(Driver::PROPERTY_KEY_DATABASE_TYPE, "DatabaseType");
-}
-
 }  // namespace
 }  // namespace KORVEX::Zel::DB
