@@ -37,15 +37,16 @@ class BatchStatus : public testing::TestWithParam<Case> {
     ASSERT_EQ(connection_->commit(), kSuccess);
   }
 
-  ResultCode send(const std::vector<int>& ids, std::vector<int>& status) {
-    EXPECT_EQ(connection_->createBatch("insert into batches values (?)"), kSuccess);
+  static ResultCode send(const LiveConnection& connection, const std::vector<int>& ids,
+                         std::vector<int>& status) {
+    EXPECT_EQ(connection->createBatch("insert into batches values (?)"), kSuccess);
     for (const int id : ids) {
       std::vector<Parameter> row(1);
       row[0].type = DataTypes::kInteger;
       row[0].value.int32 = id;
-      EXPECT_EQ(connection_->addToBatch(row), kSuccess);
+      EXPECT_EQ(connection->addToBatch(row), kSuccess);
     }
-    return connection_->executeBatch(status);
+    return connection->executeBatch(status);
   }
 
   Rows stored() { return connection_.rows("select id from batches where id <> 9 order by id", 1); }
@@ -57,7 +58,7 @@ TEST_P(BatchStatus, FailsWholeAndIsUndoneByRollback) {
   for (const std::vector<int>& ids : {std::vector{1, 2, 9, 3}, {1, 2, 2, 3}}) {
     std::vector<int> status;
     connection_.log().clear();
-    EXPECT_EQ(send(ids, status), kFailure);
+    EXPECT_EQ(send(connection_, ids, status), kFailure);
     EXPECT_EQ(status, std::vector<int>());
     ASSERT_NE(connection_.log().diagnostic(), nullptr);
     EXPECT_EQ(stored(), GetParam().untilRollback);
@@ -68,11 +69,11 @@ TEST_P(BatchStatus, FailsWholeAndIsUndoneByRollback) {
 
 TEST_P(BatchStatus, ReportsEveryRowOfABatchThatWorksAfterOneThatFailed) {
   std::vector<int> status;
-  EXPECT_EQ(send({1, 9}, status), kFailure);
+  EXPECT_EQ(send(connection_, {1, 9}, status), kFailure);
   EXPECT_EQ(connection_->rollback(), kSuccess);
-  EXPECT_EQ(send({1, 2, 3}, status), kSuccess) << connection_.log().explanation();
+  EXPECT_EQ(send(connection_, {1, 2, 3}, status), kSuccess) << connection_.log().explanation();
   EXPECT_EQ(status, std::vector<int>({0, 0, 0}));
-  EXPECT_EQ(send({}, status), kSuccess);
+  EXPECT_EQ(send(connection_, {}, status), kSuccess);
   EXPECT_EQ(status, std::vector<int>());
   EXPECT_EQ(connection_->commit(), kSuccess);
   LiveConnection other(kQuirks[GetParam().database]);
@@ -83,12 +84,7 @@ TEST_P(BatchStatus, LosesAnOpenBatchWithItsConnection) {
   std::vector<int> status;
   {
     LiveConnection lost(kQuirks[GetParam().database], GetParam().dsnVariable);
-    EXPECT_EQ(lost->createBatch("insert into batches values (?)"), kSuccess);
-    std::vector<Parameter> row(1);
-    row[0].type = DataTypes::kInteger;
-    row[0].value.int32 = 4;
-    EXPECT_EQ(lost->addToBatch(row), kSuccess);
-    EXPECT_EQ(lost->executeBatch(status), kSuccess);
+    EXPECT_EQ(send(lost, {4}, status), kSuccess);
     EXPECT_EQ(status, std::vector<int>({0}));
   }
   EXPECT_EQ(stored(), Rows());

@@ -3,12 +3,10 @@
 Environment: that of `scripts/databases run`, and the program in ZELDB. Arguments: the database.
 """
 
-import csv
-import os
-import pathlib
-import subprocess
 import sys
 import tempfile
+
+from live_tool import LiveTool, expect
 
 FIELDS = {  # column: values, as they come out again
     "id": ["1", "2", "3"],
@@ -39,22 +37,10 @@ NARROW = [
 ]
 
 
-class Tool:
-    def __init__(self, folder, database):
-        self.folder = pathlib.Path(folder)
-        (self.folder / "zeldb.toml").write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
-                                                'password_env = "ZEL_TEST_PASSWORD"\n')
-
-    def __call__(self, *arguments, codes=(0,)):
-        done = subprocess.run([os.environ["ZELDB"], *arguments], cwd=self.folder, text=True,
-                              capture_output=True, check=False)
-        if done.returncode not in codes:
-            sys.exit(f"{arguments}: {done.returncode} {done.stderr}")
-        return done
-
-    def load(self, table, text, *options, codes=(0,)):
-        (self.folder / "f.csv").write_text(text)
-        return self("load", "live", table, "f.csv", *options, codes=codes)
+class Tool(LiveTool):
+    def load(self, table, text, *options, code=0):
+        self.write("f.csv", text)
+        return self("load", "live", table, "f.csv", *options, code=code)
 
 
 def test_created_table(zeldb, database):
@@ -63,37 +49,31 @@ def test_created_table(zeldb, database):
     told = zeldb.load("made", text, "--create", "--key", "id").stderr
     if "primary key" not in told:
         sys.exit(told)
-    if "a table made with 3 rows" not in zeldb.load("made", text, "--create", codes=(2,)).stderr:
+    if "a table made with 3 rows" not in zeldb.load("made", text, "--create", code=2).stderr:
         sys.exit("a table is made over another")
     zeldb.load("made", text, "--create", "--replace", "--yes", "--key", "name,id",
-               codes=(4,))  # a name is NULL
+               code=4)  # a name is NULL
     zeldb.load("made", text, "--create", "--replace", "--yes")
     for generation in "12":
         zeldb.load("made", text, "--replace", "--yes", "--generation", generation)
         got = zeldb("dump", "live", "made").stdout
         # SQLite has no trailing zeros in decimals.
         want = text if database != "SQLite" else text.replace("0.50,", "0.5,")
-        if got != want:
-            sys.exit(f"want\n{want}\ngot\n{got}")
+        expect("table", want, got)
 
 
 def test_narrow_columns(zeldb, database):
     for databases, kind, good, bad, state in NARROW:
         if database not in databases:
             continue
-        zeldb("query", "live", "drop table if exists narrow")
-        zeldb("query", "live", f"create table narrow (v {kind})")
-        zeldb.load("narrow", f"v\n{good}\n{bad}\n", "--rejects", "r.csv", codes=(1,))
-        with open(zeldb.folder / "r.csv", newline="", encoding="utf-8") as file:
-            named = [(row["line"], row["sqlstate"]) for row in csv.DictReader(file)]
-        if named != [("3", state)]:
-            sys.exit(f"{kind}: {named}")
+        zeldb.create("narrow", f"v {kind}")
+        zeldb.load("narrow", f"v\n{good}\n{bad}\n", "--rejects", "r.csv", code=1)
+        expect(kind, [("3", state)], [(row["line"], row["sqlstate"]) for row in zeldb.rejects()])
     if database == "PostgreSQL":
         text = "v\nnan\ninf\n-inf\n"
         zeldb("query", "live", "drop table if exists narrow")
         zeldb.load("narrow", text, "--create")
-        if zeldb("dump", "live", "narrow").stdout != text:
-            sys.exit("special floats do not come back")
+        expect("special floats", text, zeldb("dump", "live", "narrow").stdout)
 
 
 def main(database):

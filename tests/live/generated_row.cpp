@@ -3,6 +3,9 @@
 #include <iterator>
 #include <limits>
 
+#include "datatypes/data_types.h"
+#include "zeldb/value_text.h"
+
 namespace live {
 namespace {
 
@@ -14,6 +17,13 @@ constexpr std::size_t kMaxPieces = 30;
 constexpr std::size_t kBufferEnd = 128;
 constexpr std::size_t kFixedBytes = 8;
 constexpr std::size_t kMaxBytes = 200;
+constexpr std::size_t kShownBytes = 40;
+
+std::string shown(unsigned int type, const DataValue& value) {
+  if (value.isNull()) return "NULL";
+  const std::string text = zeldb::valueText(type, value);
+  return text.size() <= kShownBytes ? text : std::to_string(text.size()) + " characters";
+}
 
 }  // namespace
 
@@ -36,6 +46,28 @@ std::vector<LiveColumn> liveColumns(const Quirks& quirks) {
       {"c_interval", kInterval, "bigint"},
       {"c_binary", kBinary, quirks.binary},
   };
+}
+
+std::string createTableSql(const std::string& table, const std::vector<LiveColumn>& columns) {
+  std::string list;
+  for (const LiveColumn& column : columns) {
+    list += (list.empty() ? "" : ", ") + std::string(column.name) + " " + column.sqlType +
+            (list.empty() ? " primary key" : " null");
+  }
+  return "create table " + table + " (" + list + ")";
+}
+
+std::string insertSql(const std::string& table, const std::vector<LiveColumn>& columns) {
+  std::string markers = "?";
+  for (std::size_t at = 1; at < columns.size(); ++at) markers += ", ?";
+  return "insert into " + table + " values (" + markers + ")";
+}
+
+std::string difference(const KORVEX::Zel::DB::Parameter& sent, DataValue got) {
+  DataValue want = sent.value;
+  const bool same = want.isNull() || got.isNull() ? want.isNull() == got.isNull()
+                                                  : equalValues(want, got, sent.type);
+  return same ? "" : shown(sent.type, want) + " comes back as " + shown(sent.type, got);
 }
 
 const std::vector<KORVEX::Zel::DB::Parameter>& GeneratedRow::make(int number) {

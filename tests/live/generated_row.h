@@ -19,6 +19,13 @@ struct LiveColumn {
 // A column for every type that has values; the first one, "id", numbers the rows and is never NULL.
 std::vector<LiveColumn> liveColumns(const Quirks& quirks);
 
+// Statements for a table of these columns, the first of which is its key.
+std::string createTableSql(const std::string& table, const std::vector<LiveColumn>& columns);
+std::string insertSql(const std::string& table, const std::vector<LiveColumn>& columns);
+
+// How the value that came back differs from the one sent; empty when it is the same.
+std::string difference(const KORVEX::Zel::DB::Parameter& sent, DataTypes::DataValue got);
+
 // Rows of values that follow from their number alone: one in five NULL, the limits of the types,
 // empty texts and bytes, text in several scripts and of lengths at which drivers' buffers end.
 class GeneratedRow {

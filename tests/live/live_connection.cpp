@@ -13,11 +13,11 @@ void LiveConnection::Release::operator()(Connection* connection) const {
   driver().releaseConnection(connection);
 }
 
-LiveConnection::LiveConnection(const Quirks& quirks, const char* dsnVariable) {
+LiveConnection::LiveConnection(const Quirks& quirks, const char* dsnVariable, bool safeTransfer) {
   Quirks source = quirks;
   if (dsnVariable != nullptr) source.dsnVariable = dsnVariable;
-  connection_.reset(
-      driver().createConnection(liveService(source, environment("ZEL_TEST_PASSWORD"), true)));
+  connection_.reset(driver().createConnection(
+      liveService(source, environment("ZEL_TEST_PASSWORD"), safeTransfer)));
   EXPECT_EQ(connection_->open(), kSuccess) << log_.explanation();
 }
 

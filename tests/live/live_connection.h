@@ -17,7 +17,8 @@ class LiveConnection {
   using Rows = std::vector<std::vector<std::string>>;
 
   // `dsnVariable`: the variable of another data source of the same database, or null.
-  explicit LiveConnection(const Quirks& quirks, const char* dsnVariable = nullptr);
+  explicit LiveConnection(const Quirks& quirks, const char* dsnVariable = nullptr,
+                          bool safeTransfer = true);
 
   KORVEX::Zel::DB::Connection* operator->() const { return connection_.get(); }
   zeldb::DriverLog& log() { return log_; }

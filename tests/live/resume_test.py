@@ -5,7 +5,6 @@ Environment: that of `scripts/databases run`, and the program in ZELDB; ZEL_KILL
 load is killed (3), ZEL_ROWS how many rows it has. Arguments: the database.
 """
 
-import csv
 import os
 import pathlib
 import random
@@ -17,6 +16,8 @@ import sys
 import tempfile
 import threading
 import time
+
+from live_tool import LiveTool, expect
 
 KILLS = int(os.environ.get("ZEL_KILLS", "3"))
 ROWS = int(os.environ.get("ZEL_ROWS", "20000"))
@@ -78,57 +79,39 @@ class Proxy:
             return b""
 
 
-class Case:
+class Case(LiveTool):
     def __init__(self, folder, database, way):
-        self.folder, self.database, self.way = pathlib.Path(folder), database, way
-        self.environment = dict(os.environ)
+        super().__init__(folder, database)
+        self.database, self.way = database, way
         lines = ["id,n"] + [BAD.get(n + 1, f"{n},{n * 2}") for n in range(1, ROWS + 1)]
-        (self.folder / "f.csv").write_text("\n".join(lines) + "\n")
-        (self.folder / "zeldb.toml").write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
-                                                'password_env = "ZEL_TEST_PASSWORD"\n')
-        self.load = [os.environ["ZELDB"], "load", "live", "resuming", "f.csv", "--resume",
-                     "--rejects", "r.csv", "--batch", "200", *WAYS[way]]
-
-    def zeldb(self, *arguments):
-        done = subprocess.run([os.environ["ZELDB"], *arguments], cwd=self.folder, text=True,
-                              capture_output=True, check=False)
-        if done.returncode:
-            sys.exit(f"{arguments}: {done.stderr}")
-        return done.stdout
+        self.write("f.csv", "\n".join(lines) + "\n")
+        self.load = ["load", "live", "resuming", "f.csv", "--resume", "--rejects", "r.csv",
+                     "--batch", "200", *WAYS[way]]
 
     def start_afresh(self):
         self.drop_tables()
-        self.zeldb("query", "live", "create table resuming (id integer not null primary key, "
-                   "n integer)")
+        self.create("resuming", "id integer not null primary key, n integer")
         for name in ("f.csv.ledger", "r.csv"):
             (self.folder / name).unlink(missing_ok=True)
 
     def drop_tables(self):
         for table in ("resuming", "resuming_ledger"):
-            self.zeldb("query", "live", f"drop table if exists {table}")
+            self("query", "live", f"drop table if exists {table}")
 
     def finish(self, *options):
-        done = subprocess.run([*self.load, *options], cwd=self.folder, text=True,
-                              capture_output=True, check=False, env=self.environment)
-        lines = done.stderr.splitlines() or [""]
-        want = (f"zeldb: {len(BAD)} rows rejected, named in r.csv; "
-                f"{ROWS - len(BAD)} rows are committed")
-        if (done.returncode, lines[-1]) != (1, want):
-            sys.exit(f"exit code {done.returncode}: {done.stderr}")
-        count = self.zeldb("dump", "live", "select count(*), count(distinct id), sum(n % 1000) "
-                           "from resuming").splitlines()[-1]
+        done = self(*self.load, *options, code=1)
+        expect("last line", f"zeldb: {len(BAD)} rows rejected, named in r.csv; "
+               f"{ROWS - len(BAD)} rows are committed", done.stderr.splitlines()[-1])
         numbers = [n for n in range(1, ROWS + 1) if n + 1 not in BAD]
-        if count != f"{len(numbers)},{len(numbers)},{sum(2 * n % 1000 for n in numbers)}":
-            sys.exit(f"other rows than the good ones are there: {count}")
-        with open(self.folder / "r.csv", newline="", encoding="utf-8") as file:
-            named = [int(row["line"]) for row in csv.DictReader(file)]
-        if named != sorted(BAD):
-            sys.exit(f"named {named}, not {sorted(BAD)}")
+        expect("rows", f"{len(numbers)},{len(numbers)},{sum(2 * n % 1000 for n in numbers)}",
+               self("dump", "live", "select count(*), count(distinct id), sum(n % 1000) "
+                    "from resuming").stdout.splitlines()[-1])
+        expect("lines", sorted(BAD), [int(row["line"]) for row in self.rejects()])
         return done.stderr
 
     def kill(self, seconds):
         """Whether the load was still at work."""
-        with subprocess.Popen(self.load, cwd=self.folder, stdout=subprocess.DEVNULL,
+        with subprocess.Popen(self.command(*self.load), cwd=self.folder, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL) as tool:
             begun = self.folder / ("f.csv.ledger" if self.way == "file" else "r.csv")
             while not begun.exists() and tool.poll() is None:

@@ -5,11 +5,10 @@ Environment: that of `scripts/databases run`, and the program in ZELDB. Argument
 """
 
 import itertools
-import os
-import pathlib
-import subprocess
 import sys
 import tempfile
+
+from live_tool import LiveTool, expect
 
 FRACTION = {"SQLite": ("123000", "000000")}  # SQLite's driver keeps milliseconds
 BLANK = "nothing at all"
@@ -48,51 +47,40 @@ def expected(database):
     return "\n".join(lines) + "\n"
 
 
-class Tool:
-    def __init__(self, folder):
-        self.folder = pathlib.Path(folder)
-        services = "".join(f'[{name}]\nDSN = "{name}"\nUser = "app"\n'
-                           'password_env = "ZEL_TEST_PASSWORD"\n' for name in DATABASES)
-        (self.folder / "zeldb.toml").write_text(services)
-
-    def __call__(self, *arguments):
-        subprocess.run([os.environ["ZELDB"], *arguments], check=True, cwd=self.folder)
-
-    def create(self, database, table):
+class Tool(LiveTool):
+    def create_at(self, database, table):
         at = DATABASES.index(database)
-        columns = ", ".join(f"{column[0]} {column[1 + at]}" for column in COLUMNS)
-        self("query", database, f"drop table if exists {table}")
-        self("query", database, f"create table {table} ({columns})")
+        self.create(table, ", ".join(f"{column[0]} {column[1 + at]}" for column in COLUMNS),
+                    database)
 
     def load(self, database, table, text, generation):
-        self.create(database, table)
-        (self.folder / "sent.csv").write_bytes(text.encode())
+        self.create_at(database, table)
+        self.write("sent.csv", text)
         self("load", database, table, "sent.csv", "--generation", generation)
 
-    def expect(self, database, table, text, generation):
+    def expect_table(self, database, table, text, generation):
         self("dump", database, table, "--out", "got.csv", "--generation", generation)
         got = (self.folder / "got.csv").read_bytes().decode()
         for want, have in itertools.zip_longest(text.split(","), got.split(",")):
-            if want != have:
-                sys.exit(f"{table}, read by {generation}: want {want[:80]!r}, got {have[:80]!r}")
+            expect(f"{table}, read by {generation}", want, have)
 
 
 def main(database):
     with tempfile.TemporaryDirectory() as folder:
-        tool = Tool(folder)
+        tool = Tool(folder, *DATABASES)
         text = expected(database)
         for loading in "12":
             tool.load(database, f"loaded_by_{loading}", text, loading)
             for dumping in "12":
-                tool.expect(database, f"loaded_by_{loading}", text, dumping)
+                tool.expect_table(database, f"loaded_by_{loading}", text, dumping)
         text = expected("SQLite")  # what all three can hold
         tool.load(database, "copied", text, "1")
         for target in DATABASES:
             for generation in "12" if target != database else "":
                 table = f"from_{database.lower()}"
-                tool.create(target, table)
+                tool.create_at(target, table)
                 tool("copy", f"{database}.copied", f"{target}.{table}", "--generation", generation)
-                tool.expect(target, table, text, generation)
+                tool.expect_table(target, table, text, generation)
 
 
 main(*sys.argv[1:])

@@ -12,7 +12,6 @@
 #include "tests/live/live_driver.h"
 #include "tests/live/quirks.h"
 #include "tests/support/packed_row.h"
-#include "zeldb/value_text.h"
 
 namespace live {
 namespace {
@@ -45,14 +44,9 @@ class SecondGeneration : public testing::TestWithParam<const Quirks*> {
   void createTable(const std::vector<LiveColumn>& columns) {
     columns_ = columns;
     types_.clear();
-    std::string list;
-    for (const LiveColumn& column : columns_) {
-      types_.push_back(column.type);
-      list += (list.empty() ? "" : ", ") + std::string(column.name) + " " + column.sqlType +
-              (list.empty() ? " primary key" : " null");
-    }
+    for (const LiveColumn& column : columns_) types_.push_back(column.type);
     for (const std::string& sql :
-         {std::string("drop table if exists live2"), "create table live2 (" + list + ")"}) {
+         {std::string("drop table if exists live2"), createTableSql("live2", columns)}) {
       PreparedStatement* statement = connection_->createPreparedStatement(sql.c_str(), error_);
       ASSERT_NE(statement, nullptr) << error_->getErrorString();
       // Statements that change no row may answer a warning, which only safe transfer lets pass.
@@ -63,10 +57,7 @@ class SecondGeneration : public testing::TestWithParam<const Quirks*> {
   }
 
   PreparedStatement* prepareInsert() {
-    std::string markers = "?";
-    for (std::size_t at = 1; at < columns_.size(); ++at) markers += ",?";
-    const std::string sql = "insert into live2 values (" + markers + ")";
-    return connection_->createPreparedStatement(sql.c_str(), error_);
+    return connection_->createPreparedStatement(insertSql("live2", columns_).c_str(), error_);
   }
 
   // Odd rows as value vectors, even ones packed.
@@ -101,12 +92,7 @@ class SecondGeneration : public testing::TestWithParam<const Quirks*> {
   }
 
   void expectCell(int number, std::size_t at, const Parameter& sent, DataTypes::DataValue got) {
-    DataTypes::DataValue want = sent.value;
-    const bool equal = want.isNull() || got.isNull() ? want.isNull() == got.isNull()
-                                                     : DataTypes::equalValues(want, got, sent.type);
-    ASSERT_TRUE(equal) << "row " << number << " column " << columns_[at].name << ": "
-                       << (got.isNull() ? "NULL" : zeldb::valueText(sent.type, got)) << ", sent "
-                       << (want.isNull() ? "NULL" : zeldb::valueText(sent.type, want));
+    ASSERT_EQ(difference(sent, got), "") << "row " << number << " column " << columns_[at].name;
   }
 
   void readCells(PreparedStatement* query, int number, const std::vector<Parameter>& row) {

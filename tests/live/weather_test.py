@@ -11,6 +11,8 @@ import subprocess
 import sys
 import tempfile
 
+from live_tool import LiveTool, expect
+
 EXAMPLE = pathlib.Path(__file__).parents[2] / "examples" / "seattle-weather.csv"
 COLUMNS = "date date primary key, precipitation {0}, temp_max {0}, temp_min {0}, wind {0}, " \
           "weather varchar(10)"
@@ -45,15 +47,6 @@ DATABASES = {  # client, type of the numbers, the date as text
 }
 
 
-def load(database, generation):
-    with tempfile.TemporaryDirectory() as folder:
-        services = pathlib.Path(folder) / "zeldb.toml"
-        services.write_text(f'[live]\nDSN = "{database}"\nUser = "app"\n'
-                            'password_env = "ZEL_TEST_PASSWORD"\n', encoding="utf-8")
-        print(run(os.environ["ZELDB"], "--services", str(services), "load", "live", "weather",
-                  str(EXAMPLE), "--generation", generation))
-
-
 def main(database):
     client, number, date = DATABASES[database]
     with open(EXAMPLE, newline="", encoding="utf-8") as example:
@@ -61,13 +54,13 @@ def main(database):
     for generation in "12":
         client("drop table if exists weather")
         client(f"create table weather ({COLUMNS.format(number)})")
-        load(database, generation)
+        with tempfile.TemporaryDirectory() as folder:
+            LiveTool(folder, database)("load", "live", "weather", str(EXAMPLE), "--generation",
+                                       generation)
         got = list(csv.reader(io.StringIO(client(SELECT.format(date)))))
         for row, (want, have) in enumerate(zip(sent, got), start=2):
-            if want != have:
-                sys.exit(f"{EXAMPLE}:{row}: sent {want}, read {have}")
-        if len(sent) != len(got):
-            sys.exit(f"sent {len(sent)} rows, read {len(got)}")
+            expect(f"{EXAMPLE}:{row}", want, have)
+        expect("rows", len(sent), len(got))
 
 
 main(*sys.argv[1:])
