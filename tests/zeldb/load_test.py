@@ -178,7 +178,8 @@ class Failing(ToolCase):
         os.mkfifo(self.folder / "pipe")
         for code, options, reason, ending in [
                 (5, ["--timeout", "2"], "the time given is over", None),
-                (130, [], "interrupted", signal.SIGTERM)]:
+                (130, [], "interrupted", signal.SIGTERM),
+                (130, [], "interrupted", signal.SIGINT)]:
             self.sql("delete from t")
             with subprocess.Popen([ZELDB, "load", "s", "t", "pipe", "--batch", "2", *options],
                                   cwd=self.folder, env=self.environment(), text=True,

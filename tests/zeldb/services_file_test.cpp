@@ -51,9 +51,10 @@ SafeTransfer = false
 TEST(ServicesFile, NamesThePlaceOfAFault) {
   struct Case {
     const char* text;
-    const char* expected;  // behind the file's name
+    const char* expected;  // behind the file's name; of what is no TOML the beginning
   };
   const Case cases[] = {
+      {"[s]\nDSN = \"d\"\nUser = \n", ":3:"},
       {"", ": no service \"s\"; there is none"},
       {"[a]\n[b]\n", ": no service \"s\"; there is a, b"},
       {"s = 1\n", ":1:5: \"s\" is no table of a service"},
@@ -76,19 +77,10 @@ TEST(ServicesFile, NamesThePlaceOfAFault) {
       ADD_FAILURE() << row.text;
     } catch (const Failure& failure) {
       EXPECT_EQ(failure.exitCode(), ExitCode::kUsage);
-      EXPECT_EQ(failure.what(), path.string() + row.expected);
+      const std::string expected = path.string() + row.expected;
+      const std::string said = failure.what();
+      EXPECT_EQ(expected.ends_with(':') ? said.substr(0, expected.size()) : said, expected);
     }
-  }
-}
-
-TEST(ServicesFile, NamesThePlaceOfBrokenToml) {
-  const ScratchFolder folder;
-  const auto path = folder.write("zeldb.toml", "[s]\nDSN = \"d\"\nUser = \n");
-  try {
-    ServicesFile(path).find("s");
-    ADD_FAILURE();
-  } catch (const Failure& failure) {
-    EXPECT_TRUE(std::string(failure.what()).starts_with(path.string() + ":3:")) << failure.what();
   }
   EXPECT_THROW(ServicesFile("/nonexistent/zeldb.toml").find("s"), Failure);
 }

@@ -103,18 +103,13 @@ TEST(ValueParser, RefusesWhatWouldBeCutOrGuessed) {
 }
 
 TEST(ValueParser, RefusesWhatItsColumnWouldCut) {
-  const auto limits = [](auto set) {
-    ValueLimits narrow;
-    set(narrow);
-    return narrow;
-  };
   const ValueLimits none;
-  const ValueLimits short3 = limits([](ValueLimits& narrow) { narrow.characters = 3; });
-  const ValueLimits doubles = limits([](ValueLimits& narrow) { narrow.significantDigits = 15; });
-  const ValueLimits days = limits([](ValueLimits& narrow) { narrow.daysOnly = true; });
-  const ValueLimits millis = limits([](ValueLimits& narrow) { narrow.secondDigits = 3; });
-  const ValueLimits cents = limits([](ValueLimits& narrow) { narrow.fractionDigits = 2; });
-  const ValueLimits finite = limits([](ValueLimits& narrow) { narrow.infinity = false; });
+  const ValueLimits short3{.characters = 3};
+  const ValueLimits doubles{.significantDigits = 15};
+  const ValueLimits days{.daysOnly = true};
+  const ValueLimits millis{.secondDigits = 3};
+  const ValueLimits cents{.fractionDigits = 2};
+  const ValueLimits finite{.infinity = false};
   const unsigned int decimal = DataTypes::kFixedDecimal;
   struct LimitCase {
     unsigned int type;
