@@ -12,6 +12,14 @@
 namespace DataTypes {
 namespace {
 
+// A function of its own, and arguments in registers: one with a buffer is guarded against its
+// overflow, which costs.
+template <std::size_t Max, class Print>
+[[gnu::noinline]] void putCut(Print print, char* out, std::size_t outSize) {
+  char text[Max];
+  copyText(text, print(text), out, outSize);
+}
+
 // A packed value, how to read it, and where its text goes.
 struct Printing {
   unsigned type;
@@ -31,45 +39,36 @@ struct Printing {
   // Writes a text of at most `Max` characters; `print` is given that much room.
   template <std::size_t Max, class Print>
   void putDirectly(Print print) const {
-    if (outSize > Max) {
+    if (outSize > Max)
       out[print(out)] = '\0';
-      return;
-    }
-    char text[Max];
-    put(text, print(text));
+    else
+      putCut<Max>(print, out, outSize);
   }
 };
 
 template <class Number>
 void printInteger(const Printing& p) {
-  p.putDirectly<kMaxNumberText>([&p](char* out) { return printPadded(p.load<Number>(), 0, out); });
+  p.putDirectly<kMaxNumberText>(
+      [value = p.load<Number>()](char* out) { return printPadded(value, 0, out); });
 }
 
 void printFloat(const Printing& p) {
   printDouble(p.load<double>(), p.out, p.outSize);
 }
 
+// Dates and times by a function of instant_text.h.
+template <auto Print, class Number = std::int64_t>
+void printInstantWith(const Printing& p) {
+  p.putDirectly<kMaxInstantText>([value = p.load<Number>(), withZone = p.withZone](char* out) {
+    return Print(value, withZone, out);
+  });
+}
+
 void printDateValue(const Printing& p) {
-  const long seconds = g_dateSize == 4 ? p.load<std::int32_t>() : p.load<std::int64_t>();
-  p.putDirectly<kMaxInstantText>(
-      [&p, seconds](char* out) { return printDate(seconds, p.withZone, out); });
-}
-
-void printTimestamp(const Printing& p) {
-  p.putDirectly<kMaxInstantText>([&p](char* out) {
-    return printInstant(p.load<std::int64_t>(), kTimestampUnit, p.withZone, out);
-  });
-}
-
-void printBigDateTime(const Printing& p) {
-  p.putDirectly<kMaxInstantText>([&p](char* out) {
-    return printInstant(p.load<std::int64_t>(), kBigDateTimeUnit, p.withZone, out);
-  });
-}
-
-void printTime(const Printing& p) {
-  p.putDirectly<kMaxInstantText>(
-      [&p](char* out) { return printTimeOfDay(p.load<std::int64_t>(), p.withZone, out); });
+  if (g_dateSize == 4)
+    printInstantWith<printDate, std::int32_t>(p);
+  else
+    printInstantWith<printDate>(p);
 }
 
 void printBoolean(const Printing& p) {
@@ -92,7 +91,15 @@ void printFixedDecimal(const Printing& p) {
   p.put(text, printDecimal(makeUint128(value.high, value.low), scale, text));
 }
 
-using Printer = void (*)(const Printing&);
+// The arguments of convertToString, in its order: they stay in the registers that they came in.
+using Printer = void (*)(unsigned type, bool swap, bool withZone, const unsigned char* packed,
+                         char* out, std::size_t outSize);
+
+template <void (*Print)(const Printing&)>
+void printWith(unsigned type, bool swap, bool withZone, const unsigned char* packed, char* out,
+               std::size_t outSize) {
+  Print({type, swap, withZone, packed, out, outSize});
+}
 
 struct PrinterRow {
   TypeFamily family;
@@ -101,18 +108,18 @@ struct PrinterRow {
 
 // Families that are not here have no text.
 constexpr PrinterRow kPrinterRows[] = {
-    {TypeFamily::kInt16, printInteger<std::int16_t>},
-    {TypeFamily::kInt32, printInteger<std::int32_t>},
-    {TypeFamily::kInt64, printInteger<std::int64_t>},
-    {TypeFamily::kDouble, printFloat},
-    {TypeFamily::kDate, printDateValue},
-    {TypeFamily::kMoney, printMoneyValue},
-    {TypeFamily::kTimestamp, printTimestamp},
-    {TypeFamily::kBoolean, printBoolean},
-    {TypeFamily::kInterval, printInteger<std::int64_t>},
-    {TypeFamily::kBigDateTime, printBigDateTime},
-    {TypeFamily::kTime, printTime},
-    {TypeFamily::kFixedDecimal, printFixedDecimal},
+    {TypeFamily::kInt16, printWith<printInteger<std::int16_t>>},
+    {TypeFamily::kInt32, printWith<printInteger<std::int32_t>>},
+    {TypeFamily::kInt64, printWith<printInteger<std::int64_t>>},
+    {TypeFamily::kDouble, printWith<printFloat>},
+    {TypeFamily::kDate, printWith<printDateValue>},
+    {TypeFamily::kMoney, printWith<printMoneyValue>},
+    {TypeFamily::kTimestamp, printWith<printInstantWith<printTimestamp>>},
+    {TypeFamily::kBoolean, printWith<printBoolean>},
+    {TypeFamily::kInterval, printWith<printInteger<std::int64_t>>},
+    {TypeFamily::kBigDateTime, printWith<printInstantWith<printBigDateTime>>},
+    {TypeFamily::kTime, printWith<printInstantWith<printTimeOfDay>>},
+    {TypeFamily::kFixedDecimal, printWith<printFixedDecimal>},
 };
 
 // The printer of each type number.
@@ -130,7 +137,7 @@ void convertToString(const unsigned int& type, bool swap, bool withZone, unsigne
                      char* out, std::size_t outSize) {
   const unsigned number = typeNumber(type);
   const Printer print = number < kTypeCount ? kPrinters[number] : nullptr;
-  if (print != nullptr && packed != nullptr) print({type, swap, withZone, packed, out, outSize});
+  if (print != nullptr && packed != nullptr) print(type, swap, withZone, packed, out, outSize);
 }
 
 void convertToString(const unsigned int& type, bool swap, bool withZone, DataValue& cell, char* out,

@@ -97,7 +97,7 @@ void FixedPicture::compile(std::string_view picture) {
 void FixedPicture::print(long micros, std::string& out) const {
   out.clear();
   char full[kMaxInstantText];
-  printInstant(micros, kBigDateTimeUnit, false, full);
+  printBigDateTime(micros, false, full);
   if (pieces_.size() == 1 && pieces_.front().length == literals_.size()) {
     out.reserve(literals_.size());  // much cheaper than to let it grow
     out.append(full + pieces_.front().from, literals_.size());

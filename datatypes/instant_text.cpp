@@ -76,14 +76,24 @@ inline void putDate(unsigned day, char* out) {
   putWord(out + 4, kMonthAndDay[dayOfYear]);
 }
 
-// Writes "HH:MM:SS".
+// "00:" to "99:".
+constexpr auto kPairAndColon = [] {
+  std::array<char, 400> texts{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    texts[i * 4] = static_cast<char>('0' + i / 10);
+    texts[i * 4 + 1] = static_cast<char>('0' + i % 10);
+    texts[i * 4 + 2] = ':';
+  }
+  return texts;
+}();
+
+// Writes "HH:MM:SS". Each step writes over the fourth byte of the one before.
 inline void putTime(unsigned secondOfDay, char* out) {
   const unsigned minuteOfDay = secondOfDay / 60;
-  const std::uint64_t hour = minuteOfDay / 60;
-  const std::uint64_t minute = minuteOfDay % 60;
-  const std::uint64_t second = secondOfDay % 60;
-  putWord(out,
-          splitPairs(hour | minute << 24 | second << 48, 0x0001000001000001) + 0x30303A30303A3030);
+  const unsigned hour = minuteOfDay / 60;
+  std::memcpy(out, &kPairAndColon[std::size_t{hour} * 4], 4);
+  std::memcpy(out + 3, &kPairAndColon[std::size_t{minuteOfDay - hour * 60} * 4], 4);
+  putPair(out + 6, secondOfDay - minuteOfDay * 60);
 }
 
 // Writes a value with a four-digit year; 0 for any other. The unit is a constant, so that no
@@ -190,11 +200,16 @@ std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone
   return length;
 }
 
-std::size_t printInstant(long value, const InstantUnit& unit, bool withZone, char* out) {
-  const std::size_t length = unit.fractionDigits == 3 ? putInstant<1000, 3>(value, out)
-                                                      : putInstant<1000000, 6>(value, out);
+std::size_t printTimestamp(long value, bool withZone, char* out) {
+  const std::size_t length = putInstant<1000, 3>(value, out);
   return length != 0 ? addZone(length, withZone, out)
-                     : printInstantPlain(value, unit, withZone, out);
+                     : printInstantPlain(value, kTimestampUnit, withZone, out);
+}
+
+std::size_t printBigDateTime(long value, bool withZone, char* out) {
+  const std::size_t length = putInstant<1000000, 6>(value, out);
+  return length != 0 ? addZone(length, withZone, out)
+                     : printInstantPlain(value, kBigDateTimeUnit, withZone, out);
 }
 
 std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out) {

@@ -26,7 +26,8 @@ inline constexpr std::size_t kMaxInstantText = 48;
 std::size_t printDatePlain(long seconds, bool withZone, char* out);
 std::size_t printDate(long seconds, bool withZone, char* out);
 std::size_t printInstantPlain(long value, const InstantUnit& unit, bool withZone, char* out);
-std::size_t printInstant(long value, const InstantUnit& unit, bool withZone, char* out);
+std::size_t printTimestamp(long value, bool withZone, char* out);
+std::size_t printBigDateTime(long value, bool withZone, char* out);
 std::size_t printTimeOfDayPlain(long seconds, bool withZone, char* out);
 std::size_t printTimeOfDay(long seconds, bool withZone, char* out);
 

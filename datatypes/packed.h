@@ -2,22 +2,37 @@
 
 // Numbers in packed values, which need not be aligned and may have their bytes reversed.
 
-#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace DataTypes {
 
 inline constexpr std::size_t kPackedLengthBytes = 4;  // before the bytes of a packed binary
 
+namespace detail {
+
+constexpr std::uint16_t reversed(std::uint16_t word) {
+  return __builtin_bswap16(word);
+}
+
+constexpr std::uint32_t reversed(std::uint32_t word) {
+  return __builtin_bswap32(word);
+}
+
+constexpr std::uint64_t reversed(std::uint64_t word) {
+  return __builtin_bswap64(word);
+}
+
+}  // namespace detail
+
 template <class Number>
 Number loadPacked(const unsigned char* packed, bool swap) {
-  unsigned char bytes[sizeof(Number)];
-  std::memcpy(bytes, packed, sizeof bytes);
-  if (swap) std::reverse(bytes, bytes + sizeof bytes);
-  Number number;
-  std::memcpy(&number, bytes, sizeof number);
-  return number;
+  using Short = std::conditional_t<sizeof(Number) == 2, std::uint16_t, std::uint32_t>;
+  std::conditional_t<sizeof(Number) == 8, std::uint64_t, Short> word = 0;
+  std::memcpy(&word, packed, sizeof word);
+  return std::bit_cast<Number>(swap ? detail::reversed(word) : word);
 }
 
 inline void storePackedLength(std::uint32_t length, unsigned char* out) {

@@ -20,8 +20,8 @@ auto batchOf(Make make) {
 }
 
 template <class Values, class Work>
-std::function<void()> forAll(const Values& values, Work work) {
+std::function<void()> forAll(Values& values, Work work) {
   return [&values, work] {
-    for (const auto& value : values) work(value);
+    for (auto& value : values) work(value);
   };
 }
