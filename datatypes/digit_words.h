@@ -82,6 +82,16 @@ inline char* putPointAndThree(char* out, unsigned value) {
   return out + 4;
 }
 
+// Writes a number below 1000 without leading zeros. Four bytes are written in any case.
+inline char* putUpToThree(char* out, unsigned value) {
+  const unsigned count = value >= 100 ? 3 : value >= 10 ? 2 : 1;
+  std::uint32_t word = 0;
+  std::memcpy(&word, &detail::kPointAndThree[std::size_t{value} * 4], 4);
+  word >>= (4 - count) * 8;
+  std::memcpy(out, &word, 4);
+  return out + count;
+}
+
 // Writes "." and a number below 10^6 as six digits.
 inline char* putPointAndSix(char* out, unsigned value) {
   out = putPointAndThree(out, value / 1000);
@@ -93,13 +103,6 @@ inline char* putPointAndSix(char* out, unsigned value) {
 inline char* putEight(char* out, std::uint32_t value) {
   putWord(out, eightDigits(value) | kEightZeros);
   return out + 8;
-}
-
-// Writes a number below 10^16 as sixteen digits.
-inline char* putSixteen(char* out, std::uint64_t value) {
-  constexpr std::uint64_t kEightDigits = 100000000;
-  putEight(out, static_cast<std::uint32_t>(value / kEightDigits));
-  return putEight(out + 8, static_cast<std::uint32_t>(value % kEightDigits));
 }
 
 // Writes the `width` last digits of a number, with leading zeros.
