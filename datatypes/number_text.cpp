@@ -171,24 +171,26 @@ NumberStatus parseMoneyPlain(const char* text, unsigned decimals, long factor, l
   return NumberStatus::kOk;
 }
 
-// An optional sign, digits and a point where the decimals want it, to the end of the text. Up to 18
-// digits cannot overflow, and the sign of the amount is the sign of its fraction. Everything else,
-// short texts too, is for the plain form.
+// An optional sign, digits and a point where the decimals want it, to the end of the text: the last
+// sixteen characters, and one or two before them. Up to 17 digits cannot overflow, and the sign of
+// the amount is the sign of its fraction. Everything else, short texts too, is for the plain form.
 NumberStatus parseMoney(const char* text, unsigned decimals, long factor, long& value) {
   constexpr std::size_t kMinLength = 8;
+  constexpr std::uint64_t kTen15 = 1'000'000'000'000'000;
   const char* const begin = text + (isSign(*text) ? 1 : 0);
   const std::size_t length = std::strlen(begin);
-  const char* const end = begin + length;
-  if (length < kMinLength || length <= decimals + 1 || length > kSafeDigits || decimals == 0)
+  if (length < kMinLength || length > kSafeDigits || decimals - 1 >= kWindow - 1 ||
+      length <= decimals + 1 || begin[length - decimals - 1] != '.')
     return parseMoneyPlain(text, decimals, factor, value);
-  const std::size_t integerDigits = length - decimals - 1;
-  std::uint64_t amount = 0;
   const bool fitsWindow = length <= kWindow;
-  if (begin[integerDigits] != '.' ||
-      !(fitsWindow ? readSixteen(withoutPoint(paddedWindow(begin, length), decimals), amount)
-                   : readDigits(begin, end, decimals, amount)))
+  const __m128i window =
+      fitsWindow ? paddedWindow(begin, length) : windowAt(begin + length - kWindow);
+  std::uint64_t amount = 0;
+  std::uint64_t front = 0;
+  if (!readSixteen(withoutPoint(window, decimals), amount) ||
+      (!fitsWindow && !readEight(leadingWord(begin, length - kWindow), front)))
     return parseMoneyPlain(text, decimals, factor, value);
-  const auto magnitude = static_cast<long>(amount);
+  const auto magnitude = static_cast<long>(front * kTen15 + amount);
   value = *text == '-' ? -magnitude : magnitude;
   return NumberStatus::kOk;
 }
