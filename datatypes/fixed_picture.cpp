@@ -73,7 +73,15 @@ class FixedPicture::Compiler final : public TimeFormatParser {
   FixedPicture& picture_;
 };
 
-const FixedPicture& FixedPicture::of(std::string_view picture) {
+const FixedPicture& FixedPicture::of(const char* picture) {
+  // The one that was asked for last: beside the others, since what has a destructor is checked for
+  // being made at each use.
+  constinit thread_local const FixedPicture* last = nullptr;
+  if (last == nullptr || std::strcmp(last->text_.c_str(), picture) != 0) last = &other(picture);
+  return *last;
+}
+
+const FixedPicture& FixedPicture::other(std::string_view picture) {
   constexpr std::size_t kPictures = 4;
   thread_local std::array<FixedPicture, kPictures> pictures;
   thread_local std::size_t next = 0;
@@ -95,12 +103,15 @@ void FixedPicture::compile(std::string_view picture) {
 }
 
 void FixedPicture::print(long micros, std::string& out) const {
-  out.clear();
   char full[kMaxInstantText];
   printBigDateTime(micros, false, full);
   if (pieces_.size() == 1 && pieces_.front().length == literals_.size()) {
-    out.reserve(literals_.size());  // much cheaper than to let it grow
-    out.append(full + pieces_.front().from, literals_.size());
+    const std::string_view text(full + pieces_.front().from, literals_.size());
+    // To make a string is much cheaper than to let one grow.
+    if (out.capacity() < text.size())
+      out = std::string(text);
+    else
+      out = text;
     return;
   }
   out = literals_;

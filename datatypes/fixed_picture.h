@@ -13,7 +13,7 @@ class FixedPicture {
  public:
   // This thread's picture of a text, scanned when it is first asked for. Valid until the thread
   // asks for another picture. Throws when memory runs out.
-  static const FixedPicture& of(std::string_view picture);
+  static const FixedPicture& of(const char* picture);
 
   // Whether the picture is of that kind; `print` must not be called otherwise.
   bool isFixed() const { return isFixed_; }
@@ -31,6 +31,7 @@ class FixedPicture {
     unsigned char length;
   };
 
+  static const FixedPicture& other(std::string_view picture);
   void compile(std::string_view picture);
 
   std::string text_;      // the picture

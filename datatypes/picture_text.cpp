@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <exception>
-#include <string_view>
 
 #include "datatypes/big_date_time_format_parser_time_to_string.h"
 #include "datatypes/date_format_parser_date_to_string.h"
@@ -23,34 +22,43 @@ constexpr long kMicros = 1000000;
 // of such values are not negative, so that all fields are what the printer's are. May throw when
 // memory runs out.
 template <long UnitsPerSecond>
-bool printFixed(long value, std::string_view text, const Zone* zone, std::string& out) {
+bool printFixed(long value, const char* text, const Zone* zone, std::string& out) {
   constexpr long kMicrosPerUnit = kMicros / UnitsPerSecond;
   if (value < 0 || value > kLastFixedMicros / kMicrosPerUnit) return false;
   const FixedPicture& picture = FixedPicture::of(text);
   if (!picture.isFixed()) return false;
   const long seconds = value / UnitsPerSecond;
   bool failed = false;  // the display does not depend on it
+  const long millis = seconds * kMillis;
   const long shifted =
-      zone == nullptr ? seconds : zone->wallClockMicros(seconds * kMillis, failed) / kMicros;
+      zone == nullptr ? seconds : (millis + zone->offsetMillis(millis, failed)) / kMillis;
   const long micros = shifted * kMicros + value % UnitsPerSecond * kMicrosPerUnit;
   if (shifted < 0 || micros > kLastFixedMicros) return false;
   picture.print(micros, out);
   return true;
 }
 
+// Any picture, token by token. A function of its own, since its printer needs much of the stack.
+template <class Printer>
+[[gnu::noinline]] void printTokens(long value, const char* picture, const Zone* zone,
+                                   std::string& out) {
+  const std::size_t length = std::strlen(picture);
+  out.reserve(length + 1);
+  Printer printer(value, zone, out);
+  if (!printer.prepare() || !printer.Parse(picture, length)) out.clear();
+}
+
 // Handlers throw only when memory runs out; nothing may leave the library.
 template <class Printer, long UnitsPerSecond>
 void print(long value, const char* picture, const char* zone, std::string& out) {
   out.clear();
-  const bool isUtc = zone == nullptr || *zone == '\0' || std::strcmp(zone, "UTC") == 0;
+  const bool isUtc =
+      zone == nullptr || *zone == '\0' || (*zone == 'U' && std::strcmp(zone, "UTC") == 0);
   const Zone* known = isUtc ? nullptr : findZone(zone);
   if (picture == nullptr || (!isUtc && (known == nullptr || !known->isKnown()))) return;
   try {
-    const std::size_t length = std::strlen(picture);
-    if (printFixed<UnitsPerSecond>(value, {picture, length}, known, out)) return;
-    out.reserve(length + 1);
-    Printer printer(value, known, out);
-    if (!printer.prepare() || !printer.Parse(picture, length)) out.clear();
+    if (!printFixed<UnitsPerSecond>(value, picture, known, out))
+      printTokens<Printer>(value, picture, known, out);
   } catch (const std::exception&) {
     out.clear();
   }

@@ -1,6 +1,5 @@
 #include "datatypes/time_zones.h"
 
-#include <time.h>
 #include <unicode/basictz.h>
 #include <unicode/timezone.h>
 #include <unicode/tztrans.h>
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <ctime>
 #include <exception>
 #include <new>
 #include <vector>
@@ -52,13 +52,6 @@ bool toMicros(long millis, long& micros) {
   return false;
 }
 
-// Seconds of a clock that is read without a system call.
-long coarseNow() {
-  timespec now{};
-  clock_gettime(CLOCK_REALTIME_COARSE, &now);
-  return now.tv_sec;
-}
-
 }  // namespace
 
 struct Zone::Icu {
@@ -78,9 +71,9 @@ Zone::~Zone() = default;
 // ICU's offsets are those of the present, which costs it a look at the clock and at its rules each
 // time. Zones change on whole minutes.
 void Zone::refreshOffsets() const {
-  const long minute = coarseNow() / 60;
-  if (minute == offsetsMinute_) return;
-  offsetsMinute_ = minute;
+  const long now = std::time(nullptr);  // no system call
+  if (static_cast<unsigned long>(now - offsetsSince_) < 60) return;
+  offsetsSince_ = now - now % 60;
   rawOffsetMillis_ = icu_->zone->getRawOffset();
   daylightSavingsMillis_ = icu_->zone->getDSTSavings();
 }
@@ -139,12 +132,15 @@ bool Zone::readSeason(long begin, Season& season) const {
   return true;
 }
 
-long Zone::wallClockMicros(long utcMillis, bool& failed) const {
+long Zone::offsetMillis(long utcMillis, bool& failed) const {
   const bool isDaylight = isDaylightTime(utcMillis, failed);
   refreshOffsets();
+  return rawOffsetMillis_ + (isDaylight ? daylightSavingsMillis_ : 0);
+}
+
+long Zone::wallClockMicros(long utcMillis, bool& failed) const {
   long micros = 0;
-  if (!toMicros(utcMillis + rawOffsetMillis_ + (isDaylight ? daylightSavingsMillis_ : 0), micros))
-    failed = true;
+  if (!toMicros(utcMillis + offsetMillis(utcMillis, failed), micros)) failed = true;
   return micros;
 }
 
@@ -159,11 +155,16 @@ const std::string& Zone::displayName(bool isDaylight, bool isLong) const {
   return name;
 }
 
-const Zone* findZone(const char* name) {
+namespace {
+
+// The first of the zones below, which most calls ask for. Beside them, since what has a destructor
+// is checked for being made at each use.
+constinit thread_local const Zone* lastZone = nullptr;
+
+const Zone* findOtherZone(const char* name) {
   constexpr std::size_t kMaxZones = 64;
   // Most recently used first; the last one gives way.
   thread_local std::vector<std::unique_ptr<Zone>> zones;
-  if (name == nullptr) name = kUtc;
   for (std::size_t i = 0; i < zones.size(); ++i) {
     if (zones[i]->name() != name) continue;
     if (i != 0)
@@ -179,6 +180,15 @@ const Zone* findZone(const char* name) {
   } catch (const std::exception&) {
     return nullptr;
   }
+}
+
+}  // namespace
+
+const Zone* findZone(const char* name) {
+  if (name == nullptr) name = kUtc;
+  if (lastZone == nullptr || std::strcmp(lastZone->name().c_str(), name) != 0)
+    lastZone = findOtherZone(name);
+  return lastZone;
 }
 
 bool isValidTimezone(const char* name) {

@@ -35,6 +35,10 @@ class Zone {
   // `failed` when that cannot be told.
   bool isDaylightTime(long utcMillis, bool& failed) const;
 
+  // What the wall clock shows more than UTC at an instant in milliseconds, in milliseconds. Sets
+  // `failed` when daylight saving cannot be told.
+  long offsetMillis(long utcMillis, bool& failed) const;
+
   // Wall-clock microseconds of an instant in milliseconds, or the nearest that fit 64 bits;
   // `failed` is set when they do not.
   long wallClockMicros(long utcMillis, bool& failed) const;
@@ -62,7 +66,7 @@ class Zone {
   std::string name_;
   std::string identifier_;
   bool isKnown_ = false;
-  mutable long offsetsMinute_ = -1;  // the minute of the clock that the two offsets are of
+  mutable long offsetsSince_ = -60;  // the second of the clock at which their minute began
   mutable long rawOffsetMillis_ = 0;
   mutable long daylightSavingsMillis_ = 0;
   mutable std::unique_ptr<Season[]> seasons_;  // from 1970 on, filled when they are asked for
