@@ -237,18 +237,15 @@ void printDoublePlain(double value, char* out, std::size_t outSize) {
     KORVEX::Zel::intl_snprintf(out, outSize, "%0.*f", static_cast<int>(g_decimalSize), value);
 }
 
+namespace {
+
+constexpr std::size_t kMaxDecimals = 17;
+constexpr std::size_t kMaxDoubleText = kMaxNumberText + kMaxDecimals;
+
 // A double is m x 2^e with m below 2^53. Below 2^63 its whole part fits a word, and with up to 17
 // decimals the fraction times 10^decimals fits 128 bits exactly: shifting it right gives the
-// digits, and the bits shifted out tell how printf rounds them, half to even. Numbers beyond,
-// infinities and NaNs are for the plain form.
-void printDouble(double value, char* out, std::size_t outSize) {
-  constexpr double kLimit = 9.2e18;
-  constexpr std::size_t kMaxDecimals = 17;
-  constexpr std::size_t kMaxText = kMaxNumberText + kMaxDecimals;
-  if (std::fabs(value) < g_tolerance) value = 0.0;
-  if (!(std::fabs(value) < kLimit) || g_decimalSize == 0 || g_decimalSize > kMaxDecimals)
-    return printDoublePlain(value, out, outSize);
-  const auto decimals = static_cast<unsigned>(g_decimalSize);
+// digits, and the bits shifted out tell how printf rounds them, half to even. Returns the length.
+inline std::size_t putDouble(double value, unsigned decimals, char* out) {
   const auto power = static_cast<std::uint64_t>(kPowersOfTen[decimals - 1]);
   std::uint64_t whole = 0;
   std::uint64_t fraction = roundedFraction(std::fabs(value), power, whole);
@@ -256,9 +253,7 @@ void printDouble(double value, char* out, std::size_t outSize) {
     fraction = 0;
     ++whole;
   }
-  char cut[kMaxText];
-  char* const text = outSize > kMaxText ? out : cut;
-  char* at = text;
+  char* at = out;
   if (std::signbit(value)) *at++ = '-';
   at = putNumber(at, whole);
   if (decimals == 6) {
@@ -267,11 +262,29 @@ void printDouble(double value, char* out, std::size_t outSize) {
     *at++ = '.';
     at = putFixed(at, fraction, decimals);
   }
-  if (text == out) {
-    *at = '\0';
-    return;
-  }
-  copyText(text, static_cast<std::size_t>(at - text), out, outSize);
+  return static_cast<std::size_t>(at - out);
+}
+
+// A function of its own: one with a buffer is guarded against its overflow, which costs.
+[[gnu::noinline]] void printCutDouble(double value, unsigned decimals, char* out,
+                                      std::size_t outSize) {
+  char text[kMaxDoubleText];
+  copyText(text, putDouble(value, decimals, text), out, outSize);
+}
+
+}  // namespace
+
+// Numbers from 2^63 on, infinities and NaNs are for the plain form.
+void printDouble(double value, char* out, std::size_t outSize) {
+  constexpr double kLimit = 9.2e18;
+  if (std::fabs(value) < g_tolerance) value = 0.0;
+  if (!(std::fabs(value) < kLimit) || g_decimalSize == 0 || g_decimalSize > kMaxDecimals)
+    return printDoublePlain(value, out, outSize);
+  const auto decimals = static_cast<unsigned>(g_decimalSize);
+  if (outSize > kMaxDoubleText)
+    out[putDouble(value, decimals, out)] = '\0';
+  else
+    printCutDouble(value, decimals, out, outSize);
 }
 
 }  // namespace DataTypes
