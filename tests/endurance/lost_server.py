@@ -1,9 +1,9 @@
 """Takes servers away from programs that write, and looks afterwards at what is there.
 
-    lost_server.py COUNT SEED [--cluster]
+    lost_server.py kills|seconds COUNT SEED [--cluster]
 
-For PostgreSQL and MariaDB each, COUNT times at random moments: the server is killed and started
-again. Between the kills it is stopped for a while, connections are cut in mid-message, reset, or
+For PostgreSQL and MariaDB each, COUNT times or for so long, at random moments: the server is killed
+and started again. Between the kills it is stopped for a while, connections are cut in mid-message, reset, or
 carry nothing for a while. Both generations write meanwhile (the program in LOST_SERVER). With
 --cluster, nodes of a Galera cluster are killed instead, which the programs reach without a proxy.
 
@@ -135,14 +135,18 @@ class Writers:
 
 
 class Trial:
-    """One database, taken away `count` times."""
+    """One database, taken away so many times, or again and again until a time."""
 
-    def __init__(self, name, count, seed, folder):
-        self.name, self.count, self.folder = name, count, folder
+    def __init__(self, name, kills, until, seed, folder):
+        self.name, self.folder = name, folder
+        self.kills_at_most, self.until = kills, until
         self.random = random.Random(f"{seed} {name}")
         self.events = {}
         self.findings = []
         self.kills = 0
+
+    def goes_on(self):
+        return self.kills < self.kills_at_most and time.monotonic() < self.until
 
     def happen(self, event):
         self.events[event] = self.events.get(event, 0) + 1
@@ -187,7 +191,7 @@ class ServerTrial(Trial):
         self.prepare(client, port)
         self.proxy = Proxy(int(port))
         writers = Writers(self.name, self.name, self.configure(env, port), self.folder)
-        for _ in range(self.count):
+        while self.goes_on():
             for event in (self.random.choice(self.OTHERS), "kill"):
                 if not writers.wait_for_progress():
                     self.findings.append(f"no writing goes on after {self.events}")
@@ -241,7 +245,7 @@ class ClusterTrial(Trial):
                           pathlib.Path(env["ODBCINI"]).read_text(encoding="utf-8")).groups()
         self.prepare(mariadb, ports[0])
         writers = Writers(self.name, "Cluster", env, self.folder)
-        for _ in range(self.count):
+        while self.goes_on():
             if not writers.wait_for_progress():
                 self.findings.append(f"no writing goes on after {self.events}")
             time.sleep(self.random.random())
@@ -261,15 +265,17 @@ class ClusterTrial(Trial):
 
 def main():
     cluster = "--cluster" in sys.argv
-    count, seed = int(sys.argv[1]), int(sys.argv[2])
+    unit, count, seed = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
+    limits = ((sys.maxsize, time.monotonic() + count) if unit == "seconds" else
+              (count, time.monotonic() + 86400))
     servers = "cluster" if cluster else "databases"
     if script(servers, "up").returncode != 0:
         sys.exit(f"scripts/{servers} up has failed")
     try:
         with tempfile.TemporaryDirectory() as folder:
             folder = pathlib.Path(folder)
-            trials = ([ClusterTrial("Galera", count, seed, folder)] if cluster else
-                      [ServerTrial(name, count, seed, folder) for name in CLIENTS])
+            trials = ([ClusterTrial("Galera", *limits, seed, folder)] if cluster else
+                      [ServerTrial(name, *limits, seed, folder) for name in CLIENTS])
             threads = [threading.Thread(target=trial.run) for trial in trials]
             for thread in threads:
                 thread.start()
