@@ -5,6 +5,9 @@ import statistics
 ROUNDS = 5
 
 
+LONG_TEXTS = "bytes of text"
+
+
 def best(contender, line):
     """The least of a few times: what the work costs when nothing disturbs it."""
     return min(contender.ask(line) for _ in range(ROUNDS))
@@ -19,7 +22,7 @@ def sizes(session, least, most):
     return found[:-1] if session.quick and len(found) > 3 else found
 
 
-def measure(session):
+def measure(session, allocators):
     """[(title, unit, {line: [(size, nanoseconds a unit)]})]"""
     row = "ibdstaf"
     curves = []
@@ -27,10 +30,10 @@ def measure(session):
     def curve(title, unit, lines):
         curves.append((title, unit, lines))
 
-    def reading(names, points, line_of, units_of):
+    def reading(names, points, line_of, units_of, environment=None):
         lines = {}
         for name in names:
-            contender = session.contender(name)
+            contender = session.contender(name, environment=environment)
             contender.ask(line_of(points[0]))
             lines[name] = [(at, 1e9 * best(contender, line_of(at)) / units_of(at))
                            for at in points]
@@ -43,13 +46,14 @@ def measure(session):
     curve("columns", "value",
           reading(both, [1, 2, 5, 10, 20, 50, 100],
                   lambda n: f"read 5000 {'i' * n} fetch 5000 {'i' * n}", lambda n: 5000 * n))
-    for kind, title in (("x", "bytes of text"), ("X", "bytes of text of untold length")):
+    repeats = {n: max(1, 10**6 // n) for n in sizes(session, 10, 10**9)}
+    for kind, title in (("x", LONG_TEXTS), ("X", f"{LONG_TEXTS} of untold length")):
         names = ("plain-long", *(both if kind == "x" else ("first", "second-safe")))
-        repeats = {n: max(1, 10**6 // n) for n in sizes(session, 10, 10**8)}
-        curve(title, "byte",
-              reading(names, list(repeats),
-                      lambda n, k=kind, r=repeats: f"read {r[n]} s fetch {r[n]} {k}{n}",
-                      lambda n, r=repeats: n * r[n]))
+        for suffix, environment in allocators:
+            curve(title + suffix, "byte",
+                  reading(names, list(repeats),
+                          lambda n, k=kind: f"read {repeats[n]} s fetch {repeats[n]} {k}{n}",
+                          lambda n: n * repeats[n], environment))
     lines = []
     for batch in (1, 10, 100, 1000, 10000, 65535):
         rows = max(2000 if batch < 10 else 20000, batch)
@@ -76,18 +80,23 @@ def measure(session):
 
 
 def long_text(curves, result):
-    """Figure 6: beside the floor, the cost of a byte must not grow with the length. By itself it
-    does for all, where texts leave the processor's cache."""
+    """Figure 6: the cost of a byte must not grow with the length by more than the floor's does. By
+    itself it grows for all, where texts leave the processor's cache and the system has to give
+    the memory; by how much stands in the floor's column."""
     for title, _, lines in curves:
-        if not title.startswith("bytes of text"):
+        if not title.startswith(LONG_TEXTS):
             continue
-        floor = dict(lines["plain-long"])
-        for name, points in lines.items():
-            large = [cost / floor[size] for size, cost in points if size >= 10**6]
-            if large and name != "plain-long":
-                figure = f"growth of a byte's cost from 1e6 on beside the floor's, {title}, {name}"
-                result.add(6, figure,
-                           large[-1] / large[0], 1.5, "")
+        growths = {name: growth_of(points) for name, points in lines.items()}
+        floor = growths.pop("plain-long")
+        for name, grown in growths.items():
+            result.add(6, f"a byte's cost from 1e6 on, {title}, {name}", grown, 1.5 * max(floor, 1),
+                       "", floor=floor)
+
+
+def growth_of(points):
+    """How much dearer than at a million a unit is at the largest size."""
+    costs = [cost for size, cost in points if size >= 10**6]
+    return costs[-1] / costs[0]
 
 
 def bends(points):

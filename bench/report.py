@@ -2,6 +2,7 @@
 
 import pathlib
 import platform
+import re
 import subprocess
 
 import growth
@@ -25,8 +26,12 @@ HOW = """
 - Figures 3 to 5 run over SQLite, PostgreSQL and MariaDB on loopback, as `scripts/databases` sets
   them up: PostgreSQL with `BoolsAsChar=0` and server-side prepare, without fsync; MariaDB with
   `innodb-flush-log-at-trx-commit=0`; driver manager threading level as installed.
-- Contenders are processes over connections of their own and take turns; a figure is the median of
-  at least 7 rounds of ratios within a round, least and most in brackets.
+- Contenders are processes over connections of their own and take turns in many short rounds; a
+  figure is the median of the ratios within a round, the quartiles in brackets.
+- The allocator is the server's (tcmalloc), for all contenders alike, but where the C library's is
+  named.
+- The growth of a byte's cost (figure 6) is judged beside the floor's own, which stands in the
+  floor's column: from a million bytes on, what grows is what the system asks for memory.
 - Instructions are counted by callgrind as the difference of two row counts, so that what is paid
   once does not count: `scripts/bench --instructions`.
 - `zeldb bench SERVICE` measures a database of one's own in the same way, in a scratch table that it
@@ -36,22 +41,25 @@ HOW = """
 """
 
 
+def rounded(number):
+    return f"{number:.{1 if number >= 10 else 3}f}"
+
+
 class Report:
     def __init__(self, root):
         self.root = root
         self.rows = []
 
     def add(self, figure, what, ours, target, peer, floor=None):
-        median, least, most = ours if isinstance(ours, tuple) else (ours, None, None)
-        self.rows.append((figure, what, median, least, most, target, peer, floor))
+        median, lower, upper = ours if isinstance(ours, tuple) else (ours, None, None)
+        self.rows.append((figure, what, median, lower, upper, target, peer, floor))
 
     def lines(self):
-        for figure, what, median, least, most, target, peer, floor in sorted(
+        for figure, what, median, lower, upper, target, peer, floor in sorted(
                 self.rows, key=lambda row: row[0]):
-            digits = 1 if median >= 10 else 3
-            spread = "" if least is None else f" ({least:.3f}-{most:.3f})"
-            yield (str(figure), what, f"{median:.{digits}f}{spread}", peer,
-                   "1" if floor is None else f"{floor:.1f}", f"{target:.{digits}f}",
+            spread = "" if lower is None else f" ({lower:.3f}-{upper:.3f})"
+            yield (str(figure), what, rounded(median) + spread, peer,
+                   "1" if floor is None else rounded(floor), rounded(target),
                    "met" if median <= target else "not met")
 
     def print(self):
@@ -68,7 +76,7 @@ class Report:
         text += HOW + "\n## Growth\n\n"
         text += "The cost of a unit over the size; a fault would bend upward.\n\n"
         for title, unit, lines in curves:
-            name = title.replace(" ", "-").replace(",", "")
+            name = re.sub("[ ,']+", "-", title)
             draw(folder / f"{name}.svg", title, unit, lines)
             bend = ", ".join(f"{line} {growth.bends(points):.2f}" for line, points in lines.items())
             text += f"![{title}](performance/{name}.svg)\n\n"

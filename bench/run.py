@@ -209,7 +209,7 @@ def main():
     if "--no-databases" not in arguments:
         database_figures(session, result)
         long_figures(session, result)
-    curves = growth.measure(session)
+    curves = growth.measure(session, ALLOCATORS)
     growth.long_text(curves, result)
     value_figures(session, result)
     result.print()
