@@ -147,6 +147,11 @@ unsigned int ByteStore::extendUnsetFar(unsigned int newLength) {
   return lengthen(newLength, false, nullptr);
 }
 
+unsigned char* ByteStore::replaceUnsetFar(unsigned int newLength) {
+  Truncate(0, 0);
+  return extendUnsetFar(newLength) == newLength ? data_ : nullptr;
+}
+
 unsigned int ByteStore::Stretch(unsigned int newLength, char fill) {
   return lengthen(newLength, true, &fill);
 }

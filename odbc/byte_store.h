@@ -57,15 +57,14 @@ class ByteStore {
     terminate();
     return length_;
   }
-  // Shortens or lengthens to `newLength` bytes that are all the caller's to set.
-  unsigned int ReplaceUnset(unsigned int newLength) {
-    if (newLength >= capacity_) {
-      Truncate(0, 0);
-      return extendUnsetFar(newLength);
-    }
+  // Shortens or lengthens to `newLength` bytes that are all the caller's to set, and gives them;
+  // null, and the store empty, when there is no memory for them.
+  unsigned char* ReplaceUnset(unsigned int newLength) {
+    if (newLength >= capacity_) return replaceUnsetFar(newLength);
+    unsigned char* const bytes = data_;
     length_ = newLength;
-    terminate();
-    return length_;
+    bytes[newLength] = 0;
+    return bytes;
   }
   // Like Extend, with the new bytes in front.
   unsigned int Stretch(unsigned int newLength, char fill);
@@ -82,8 +81,8 @@ class ByteStore {
       return Trunc(newLength, keepTail, 0);
     }
     length_ = newLength;  // all that cutting the tail off is
-    terminate();
-    return length_;
+    data_[newLength] = 0;
+    return newLength;
   }
 
   // Removes `count` bytes (fewer at the end) into `removed`, another store, unless that is null.
@@ -125,6 +124,7 @@ class ByteStore {
  private:
   unsigned int appendFar(const unsigned char* bytes, unsigned int count);
   unsigned int extendUnsetFar(unsigned int newLength);
+  unsigned char* replaceUnsetFar(unsigned int newLength);
   bool reserve(std::uint64_t newCapacity);
   bool holds(const unsigned char* bytes) const;
   unsigned int lengthen(std::uint64_t newLength, bool inFront, const char* fill);

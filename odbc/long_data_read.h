@@ -31,14 +31,14 @@ class LongDataRead {
     if (end > kMaxBytes) return false;
     // Unset: the driver writes these bytes, or they are cut off.
     if (buffer.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
-    clearEnd(buffer, end);
+    clearEnd(buffer.Data() + end);
     return true;
   }
-  // The same for the first piece, which replaces an earlier value.
-  static bool makeFirstRoom(ByteStore& buffer, std::uint32_t request) {
-    if (buffer.ReplaceUnset(request) != request) return false;
-    clearEnd(buffer, request);
-    return true;
+  // The same for the first piece, which replaces an earlier value; null for want of memory.
+  static unsigned char* makeFirstRoom(ByteStore& buffer, std::uint32_t request) {
+    unsigned char* const room = buffer.ReplaceUnset(request);
+    if (room != nullptr) clearEnd(room + request);
+    return room;
   }
   // Whether a first answer brought the whole value, as it mostly does.
   static bool isWhole(SQLRETURN rc, SQLLEN indicator, std::int64_t request) {
@@ -71,9 +71,7 @@ class LongDataRead {
 
   // A driver that does not split a character leaves the last few bytes of its room alone, and the
   // next piece does not cover them.
-  static void clearEnd(ByteStore& buffer, std::int64_t end) {
-    std::memset(buffer.Data() + end - kLeastRequest, 0, kLeastRequest);
-  }
+  static void clearEnd(unsigned char* end) { std::memset(end - kLeastRequest, 0, kLeastRequest); }
   // Cuts the buffer to the value's length.
   Step finish(std::int64_t length, SQLLEN& total);
   // Moves the place of the next piece to the end of this one.

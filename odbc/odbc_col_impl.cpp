@@ -131,25 +131,25 @@ Odbc::e_Status OdbcColImpl::readVarying() {
 }
 
 Odbc::e_Status OdbcColImpl::readBigInt() {
-  if (text_.ReplaceUnset(plan_.bytes) != plan_.bytes) return e_Error;
+  unsigned char* const text = text_.ReplaceUnset(plan_.bytes);
+  if (text == nullptr) return e_Error;
   // The digits of an earlier row must not be read again where a driver leaves the text alone.
-  std::memset(text_.Data(), 0, kLongestBigInt + 1);
-  const SQLRETURN rc = getData(SQL_C_CHAR, text_.Data(), plan_.bytes);
+  std::memset(text, 0, kLongestBigInt + 1);
+  const SQLRETURN rc = getData(SQL_C_CHAR, text, plan_.bytes);
   return keepUsualBigInt(rc) ? GetStatus(rc) : keepBigInt(rc);
 }
 
 // The usual answer: a short text that is one number, in the place of another number.
 [[gnu::always_inline]] inline bool OdbcColImpl::keepUsualBigInt(SQLRETURN rc) {
   const SQLLEN length = content_.indicator;
-  std::int64_t value = 0;
   if (rc != SQL_SUCCESS || length < 1 || length >= plan_.bytes ||
-      content_.buffer.Length() != sizeof value ||
-      !DataTypes::readShortInteger(text_.Text(), static_cast<std::size_t>(length), value)) {
+      content_.buffer.Length() != sizeof(std::int64_t)) {
     return false;
   }
   text_.Truncate(static_cast<std::uint32_t>(length), 0);
-  std::memcpy(content_.buffer.Data(), &value, sizeof value);
-  return true;
+  // Where the value belongs: a block of the allocator, aligned for everything.
+  auto& value = *reinterpret_cast<std::int64_t*>(content_.buffer.Data());
+  return DataTypes::readShortInteger(text_.Text(), text_.Length(), value);
 }
 
 // Every answer.
@@ -176,16 +176,19 @@ Odbc::e_Status OdbcColImpl::keepBigInt(SQLRETURN rc) {
   return e_Ok;
 }
 
+// What is wrong is not the driver's: there is no record of it.
+[[gnu::cold]] Odbc::e_Status OdbcColImpl::failWithoutRecord() {
+  GetStatus(SQL_SUCCESS);
+  return e_Error;
+}
+
 Odbc::e_Status OdbcColImpl::readLongData() {
-  ByteStore& buffer = content_.buffer;
   const std::int64_t request = plan_.bytes;
-  if (!LongDataRead::makeFirstRoom(buffer, plan_.bytes)) {
-    GetStatus(SQL_SUCCESS);
-    return e_Error;
-  }
-  const SQLRETURN rc = getData(content_.cType, buffer.Data(), request);
+  unsigned char* const room = LongDataRead::makeFirstRoom(content_.buffer, plan_.bytes);
+  if (room == nullptr) return failWithoutRecord();
+  const SQLRETURN rc = getData(content_.cType, room, request);
   if (!LongDataRead::isWhole(rc, content_.indicator, request)) return readPieces(rc, request);
-  buffer.Truncate(static_cast<std::uint32_t>(content_.indicator), 0);
+  content_.buffer.Truncate(static_cast<std::uint32_t>(content_.indicator), 0);
   return GetStatus(SQL_SUCCESS);
 }
 
@@ -206,13 +209,9 @@ Odbc::e_Status OdbcColImpl::readPieces(SQLRETURN rc, std::int64_t request) {
         content_.buffer.Truncate(0, 0);
         return statusFromOwner(rc);
       case LongDataRead::Step::kImpossible:
-        GetStatus(SQL_SUCCESS);
-        return e_Error;
+        return failWithoutRecord();
     }
-    if (!read.prepare()) {
-      GetStatus(SQL_SUCCESS);
-      return e_Error;
-    }
+    if (!read.prepare()) return failWithoutRecord();
     rc = getData(content_.cType, read.target(), read.request());
   }
 }

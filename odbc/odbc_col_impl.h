@@ -61,6 +61,7 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
   bool keepUsualBigInt(SQLRETURN rc);
   e_Status keepBigInt(SQLRETURN rc);
   e_Status readLongData();
+  e_Status failWithoutRecord();
   e_Status readPieces(SQLRETURN rc, std::int64_t request);
 
   static constexpr std::size_t kLargestFixedBytes = 16;
