@@ -30,7 +30,8 @@ def main(database):
                          "name varchar(9), check (length(name) <= 7)")
             load = ["load", "live", "rejecting", "f.csv", "--rejects", "r.csv", "--generation",
                     generation]
-            for options, committed in ((["--dry-run", "--batch", "300"], 0), ([], ROWS - len(BAD))):
+            for options, committed in ((["--dry-run", "--batch", "300"], 0),
+                                       ([], ROWS - len(BAD))):
                 expect(options, f"zeldb: {len(BAD)} rows rejected, named in r.csv; {committed} rows "
                        "are committed\n", zeldb(*load, *options, code=1).stderr)
                 rejects = zeldb.rejects()
