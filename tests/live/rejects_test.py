@@ -32,8 +32,8 @@ def main(database):
                     generation]
             for options, committed in ((["--dry-run", "--batch", "300"], 0),
                                        ([], ROWS - len(BAD))):
-                expect(options, f"zeldb: {len(BAD)} rows rejected, named in r.csv; {committed} rows "
-                       "are committed\n", zeldb(*load, *options, code=1).stderr)
+                expect(options, f"zeldb: {len(BAD)} rows rejected, named in r.csv; {committed} "
+                       "rows are committed\n", zeldb(*load, *options, code=1).stderr)
                 rejects = zeldb.rejects()
                 expect("lines", sorted(BAD), sorted(int(row["line"]) for row in rejects))
                 expect("rows without a reason", [], [
