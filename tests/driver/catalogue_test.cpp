@@ -171,46 +171,35 @@ TEST_F(CatalogueTest, CreatesTablesAfterDroppingThemFirst) {
   struct Case {
     const char* schema;
     const char* table;
-    std::vector<bool> keys;
+    bool firstKey;
+    bool secondKey;
     bool plain;
-    Strings statements;
+    const char* statements;
   };
   const Case kCases[] = {
-      {"S",
-       "T",
-       {true, false},
-       true,
-       {R"(CREATE TABLE "S"."T" ("a" INTEGER, "b" NVARCHAR(5000), PRIMARY KEY ("a")))"}},
-      {"",
-       "T",
-       {true, true},
-       false,
-       {R"(CREATE COLUMN TABLE "T" ("a" INTEGER, "b" NVARCHAR(500), PRIMARY KEY ("a", "b")))"}},
-      {"",
-       "t",
-       {false, false},
-       true,
-       {R"(drop table "t")", R"(CREATE TABLE "t" ("a" INTEGER, "b" NVARCHAR(5000)))"}},
-      {"s1",
-       "t",
-       {false, false},
-       true,
-       {R"(drop table "s1"."t")", R"(CREATE TABLE "s1"."t" ("a" INTEGER, "b" NVARCHAR(5000)))"}},
+      {"S", "T", true, false, true,
+       R"(CREATE TABLE "S"."T" ("a" INTEGER, "b" NVARCHAR(5000), PRIMARY KEY ("a"));)"},
+      {"", "T", true, true, false,
+       R"(CREATE COLUMN TABLE "T" ("a" INTEGER, "b" NVARCHAR(500), PRIMARY KEY ("a", "b"));)"},
+      {"", "t", false, false, true,
+       R"(drop table "t";CREATE TABLE "t" ("a" INTEGER, "b" NVARCHAR(5000));)"},
+      {"s1", "t", false, false, true,
+       R"(drop table "s1"."t";CREATE TABLE "s1"."t" ("a" INTEGER, "b" NVARCHAR(5000));)"},
   };
   scriptTables();
   open();
+  const std::vector<unsigned> types = {kInteger, kString};
   for (const Case& c : kCases) {
     odbc.executions.clear();
-    const auto create = [&] {
-      return *c.schema == 0 ? connection->createTable(c.table, {"a", "b"}, {kInteger, kString},
-                                                      c.keys, c.plain, false)
-                            : connection->createTable(c.schema, c.table, {"a", "b"},
-                                                      {kInteger, kString}, c.keys, c.plain, false);
-    };
-    EXPECT_EQ(create(), kSuccess);
-    Strings statements;
+    const std::vector<bool> keys = {c.firstKey, c.secondKey};
+    EXPECT_EQ(
+        *c.schema == 0
+            ? connection->createTable(c.table, {"a", "b"}, types, keys, c.plain, false)
+            : connection->createTable(c.schema, c.table, {"a", "b"}, types, keys, c.plain, false),
+        kSuccess);
+    std::string statements;
     for (const auto& execution : odbc.executions) {
-      if (!execution.sql.starts_with("SQL")) statements.push_back(execution.sql);
+      if (!execution.sql.starts_with("SQL")) statements += execution.sql + ';';
     }
     EXPECT_EQ(statements, c.statements);
   }

@@ -78,23 +78,6 @@ TEST_F(Connection, DatabaseTypeByName) {
   EXPECT_EQ(getOdbcError(dbc_), recordText("[HY000][1][no name]"));
 }
 
-TEST_F(Connection, WrongCredentials) {
-  connect();
-  fake_.answer("SQLConnect", fake::failure("28000", 1045, "denied"));
-  EXPECT_EQ(dbc_->Connect("fake", "user", "wrong"), Odbc::e_Error);
-  EXPECT_FALSE(dbc_->IsConnected());
-  EXPECT_EQ(getOdbcError(env_.get()), recordText("[28000][1045][denied]"));
-  EXPECT_EQ(fake_.takeLog().back(), R"(SQLConnect("fake","user","wrong"))");
-}
-
-TEST_F(Connection, LeavingIgnoresRefusals) {
-  connect();
-  dbc_->CreateStmt();
-  fake_.answer("SQLEndTran", fake::failure("08S01", 1, "gone"));
-  EXPECT_EQ(dbc_->Disconnect(), Odbc::e_Ok);
-  EXPECT_FALSE(dbc_->IsConnected());
-}
-
 void* createEnv(Connection&) {
   return Odbc::CreateEnv();
 }
