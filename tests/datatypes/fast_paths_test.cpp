@@ -34,7 +34,9 @@ namespace DataTypes {
 namespace {
 
 // Optimised builds take millions; under sanitizers they would take minutes.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ZEL_ROUNDS
+constexpr int kRounds = ZEL_ROUNDS;
+#elif defined __SANITIZE_ADDRESS__
 constexpr int kRounds = 300000;
 #else
 constexpr int kRounds = 4000000;

@@ -17,44 +17,24 @@ namespace {
 TEST(TimeUnit, NamesAndMaxima) {
   const struct {
     TimeUnit unit;
-    const char *name, *max, *min;
+    const char* name;
     long maximum;
     std::vector<const char*> texts;
   } rows[] = {
-      {NONE, "UNKNOWN", "0", "0", 0, {nullptr}},
-      {INVALID, "UNKNOWN", "0", "0", 0, {"seconds", " DAY", "", "MICRO", "WEEK"}},
-      {MICROSECOND,
-       "MICROSECOND",
-       "9223372036854775807",
-       "-9223372036854775807",
-       LONG_MAX,
-       {"MICROS", "MICROSECOND", "MICROSECONDS"}},
-      {MILLISECOND,
-       "MILLISECOND",
-       "9223372036854775",
-       "-9223372036854775",
-       9223372036854775,
-       {"MILLIS", "MILLISECOND", "MILLISECONDS"}},
-      {SECOND,
-       "SECOND",
-       "9223372036854",
-       "-9223372036854",
-       9223372036854,
-       {"SEC", "SECOND", "SECONDS"}},
-      {MINUTE,
-       "MINUTE",
-       "153722867280",
-       "-153722867280",
-       153722867280,
-       {"MIN", "MINUTE", "MINUTES"}},
-      {HOUR, "HOUR", "2562047788", "-2562047788", 2562047788, {"HR", "HOUR", "HOURS"}},
-      {DAY, "DAY", "106751991", "-106751991", 106751991, {"DAY", "DAYS"}},
+      {NONE, "UNKNOWN", 0, {nullptr}},
+      {INVALID, "UNKNOWN", 0, {"seconds", " DAY", "", "MICRO", "WEEK"}},
+      {MICROSECOND, "MICROSECOND", LONG_MAX, {"MICROS", "MICROSECOND", "MICROSECONDS"}},
+      {MILLISECOND, "MILLISECOND", 9223372036854775, {"MILLIS", "MILLISECOND", "MILLISECONDS"}},
+      {SECOND, "SECOND", 9223372036854, {"SEC", "SECOND", "SECONDS"}},
+      {MINUTE, "MINUTE", 153722867280, {"MIN", "MINUTE", "MINUTES"}},
+      {HOUR, "HOUR", 2562047788, {"HR", "HOUR", "HOURS"}},
+      {DAY, "DAY", 106751991, {"DAY", "DAYS"}},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(getTimeUnitStr(row.unit), row.name);
     EXPECT_EQ(getTimeUnitMax(row.unit), row.maximum);
-    EXPECT_EQ(getTimeUnitMaxStr(row.unit), row.max);
-    EXPECT_EQ(getTimeUnitMinStr(row.unit), row.min);
+    EXPECT_EQ(getTimeUnitMaxStr(row.unit), std::to_string(row.maximum));
+    EXPECT_EQ(getTimeUnitMinStr(row.unit), std::to_string(-row.maximum));
     for (const char* text : row.texts) EXPECT_EQ(getTimeUnit(text), row.unit);
   }
   EXPECT_EQ(getTimeUnitStr(static_cast<TimeUnit>(8)), "UNKNOWN");
@@ -64,22 +44,15 @@ TEST(TimeUnit, Seconds) {
   const struct {
     TimeUnit unit;
     int count, seconds;
-  } rows[] = {{MICROSECOND, 999999, -1},
-              {MICROSECOND, 1000000, 1},
-              {MICROSECOND, 2999999, 2},
-              {MILLISECOND, 999, -1},
-              {MILLISECOND, 1000, 1},
-              {SECOND, 0, 0},
-              {SECOND, INT_MAX, INT_MAX},
-              {SECOND, -1, -1},
-              {MINUTE, 35791394, 2147483640},
-              {MINUTE, 35791395, -1},
-              {HOUR, 596523, 2147482800},
-              {HOUR, 596524, -1},
-              {DAY, 24855, 2147472000},
-              {DAY, 24856, -1},
-              {NONE, 5, -1},
-              {INVALID, 5, -1}};
+  } rows[] = {
+      // clang-format off
+      {MICROSECOND, 999999, -1}, {MICROSECOND, 1000000, 1}, {MICROSECOND, 2999999, 2},
+      {MILLISECOND, 999, -1}, {MILLISECOND, 1000, 1}, {SECOND, 0, 0}, {SECOND, INT_MAX, INT_MAX},
+      {SECOND, -1, -1}, {MINUTE, 35791394, 2147483640}, {MINUTE, 35791395, -1},
+      {HOUR, 596523, 2147482800}, {HOUR, 596524, -1}, {DAY, 24855, 2147472000}, {DAY, 24856, -1},
+      {NONE, 5, -1}, {INVALID, 5, -1},
+      // clang-format on
+  };
   for (const auto& row : rows) EXPECT_EQ(getSeconds(row.unit, row.count), row.seconds);
 }
 
@@ -158,39 +131,27 @@ TEST(Strptime, Conversions) {
     Fields fields;
     const char* rest;
   } rows[] = {
+      // clang-format off
       {"2010-01-02T03:04:05.678", "%Y-%m-%dT%H:%M:%S", {2010, 1, 2, 3, 4, 5}, ".678"},
-      {"12/31/99", "%D", {1999, 12, 31}, ""},
-      {"5 pm", "%I %p", {1970, 1, 1, 17}, ""},
-      {"12 AM", "%I %p", {}, ""},
-      {"12 PM", "%l %p", {1970, 1, 1, 12}, ""},
+      {"12/31/99", "%D", {1999, 12, 31}, ""}, {"5 pm", "%I %p", {1970, 1, 1, 17}, ""},
+      {"12 AM", "%I %p", {}, ""}, {"12 PM", "%l %p", {1970, 1, 1, 12}, ""},
       {"11:59:58 pm", "%r", {1970, 1, 1, 23, 59, 58}, ""},
-      {"23:59", "%R", {1970, 1, 1, 23, 59}, ""},
-      {"03:04:61", "%T", {1970, 1, 1, 3, 4, 61}, ""},
+      {"23:59", "%R", {1970, 1, 1, 23, 59}, ""}, {"03:04:61", "%T", {1970, 1, 1, 3, 4, 61}, ""},
       {"03:04:05", "%X", {1970, 1, 1, 3, 4, 5}, ""},
       {"12/31/68 03:04:05", "%c", {2068, 12, 31, 3, 4, 5}, ""},
-      {"12/31/69", "%x", {1969, 12, 31}, ""},
-      {"2010 10:11", "%Y %R", {2010, 1, 1, 10, 11}, ""},
+      {"12/31/69", "%x", {1969, 12, 31}, ""}, {"2010 10:11", "%Y %R", {2010, 1, 1, 10, 11}, ""},
       {"SUNDAY mon", "%a %A", {1970, 1, 1, 0, 0, 0, 1}, ""},
       {"saturday!", "%a", {1970, 1, 1, 0, 0, 0, 6}, "!"},
-      {"september SEP sept", "%B %b %h", {1970, 9, 1}, "t"},
-      {"may", "%b", {1970, 5, 1}, ""},
-      {"366", "%j", {1970, 1, 1, 0, 0, 0, 0, 365}, ""},
-      {"6", "%w", {1970, 1, 1, 0, 0, 0, 6}, ""},
-      {"53 00", "%U %W", {}, ""},
-      {"  \t x", " x", {}, ""},
-      {"x", "%n%tx", {}, ""},
-      {"100%", "100%%", {}, ""},
-      {"20", "%C", {3900, 1, 1}, ""},
-      {"99 20", "%y %C", {3999, 1, 1}, ""},
-      {"1999 20", "%Y %C", {3999, 1, 1}, ""},
-      {"20 10", "%C %y", {3910, 1, 1}, ""},
-      {"31 12 7", "%Od %Om %EY", {7, 12, 31}, ""},
-      {"00031", "%d", {1970, 1, 31}, ""},
-      {"045", "%d", {1970, 1, 4}, "5"},
-      {"312", "%d", {1970, 1, 31}, "2"},
-      {"60", "%M", {1970, 1, 1, 0, 6}, "0"},
-      {"99990", "%Y", {9999, 1, 1}, "0"},
-      {"23 9", "%k %e", {1970, 1, 9, 23}, ""},
+      {"september SEP sept", "%B %b %h", {1970, 9, 1}, "t"}, {"may", "%b", {1970, 5, 1}, ""},
+      {"366", "%j", {1970, 1, 1, 0, 0, 0, 0, 365}, ""}, {"6", "%w", {1970, 1, 1, 0, 0, 0, 6}, ""},
+      {"53 00", "%U %W", {}, ""}, {"  \t x", " x", {}, ""}, {"x", "%n%tx", {}, ""},
+      {"100%", "100%%", {}, ""}, {"20", "%C", {3900, 1, 1}, ""},
+      {"99 20", "%y %C", {3999, 1, 1}, ""}, {"1999 20", "%Y %C", {3999, 1, 1}, ""},
+      {"20 10", "%C %y", {3910, 1, 1}, ""}, {"31 12 7", "%Od %Om %EY", {7, 12, 31}, ""},
+      {"00031", "%d", {1970, 1, 31}, ""}, {"045", "%d", {1970, 1, 4}, "5"},
+      {"312", "%d", {1970, 1, 31}, "2"}, {"60", "%M", {1970, 1, 1, 0, 6}, "0"},
+      {"99990", "%Y", {9999, 1, 1}, "0"}, {"23 9", "%k %e", {1970, 1, 9, 23}, ""},
+      // clang-format on
   };
   for (const auto& row : rows) {
     std::tm t;
@@ -213,37 +174,16 @@ TEST(Strptime, Conversions) {
 TEST(Strptime, Mismatches) {
   const struct {
     const char *text, *format;
-  } rows[] = {{"", "%Y"},
-              {" 5", "%d"},
-              {"0", "%d"},
-              {"32", "%d"},
-              {"24", "%H"},
-
-              {"62", "%S"},
-              {"13", "%m"},
-              {"0", "%I"},
-              {"367", "%j"},
-              {"7", "%w"},
-              {"54", "%U"},
-              {"x", "%Y"},
-              {"foo", "%a"},
-              {"5 pm x", "%I %p"},
-              {"13 pm", "%H %p"},
-              {"12 am", "%H %p"},
-              {"a", "b"},
-              {"5", "%Q"},
-              {"5", "%"},
-              {"5", "%E"},
-              {"5", "%Ed"},
-              {"5", "%OY"},
-              {"5", "%EOy"},
-              {"5", "%Ok"},
-              {"5", "%OC"},
-              {"x", "%En"},
-              {"%", "%E%"},
-              {"1", "%OB"},
-              {"-5", "%d"},
-              {"2010-01-02 03:04:05", "%Y-%m-%dT%H:%M:%S"}};
+  } rows[] = {
+      // clang-format off
+      {"", "%Y"}, {" 5", "%d"}, {"0", "%d"}, {"32", "%d"}, {"24", "%H"}, {"62", "%S"}, {"13", "%m"},
+      {"0", "%I"}, {"367", "%j"}, {"7", "%w"}, {"54", "%U"}, {"x", "%Y"}, {"foo", "%a"},
+      {"5 pm x", "%I %p"}, {"13 pm", "%H %p"}, {"12 am", "%H %p"}, {"a", "b"}, {"5", "%Q"},
+      {"5", "%"}, {"5", "%E"}, {"5", "%Ed"}, {"5", "%OY"}, {"5", "%EOy"}, {"5", "%Ok"},
+      {"5", "%OC"}, {"x", "%En"}, {"%", "%E%"}, {"1", "%OB"}, {"-5", "%d"},
+      {"2010-01-02 03:04:05", "%Y-%m-%dT%H:%M:%S"},
+      // clang-format on
+  };
   for (const auto& row : rows) {
     std::tm t{};
     EXPECT_EQ(DataTypes::strptime(row.text, row.format, &t), nullptr)

@@ -168,22 +168,14 @@ TEST(TypePromotion, LegacyMoneyPrecisionDecides) {
 TEST(TypePromotion, ToFixedDecimal) {
   const struct {
     unsigned type, result;
-  } rows[] = {{kInteger, 163870},
-              {kBoolean, 16414},
-              {kLong, 311326},
-              {kDate, 311326},
-              {kTimestamp, 311326},
-              {kInterval, 311326},
-              {kBigDateTime, 311326},
-              {kTime, 311326},
-              {kMoney1 + 2, createFixedDecimal(19, 3)},
-              {kInt16, 30},
-              {kFloat, 30},
-              {kString, 30},
-              {kBinary, 30},
-              {kUnknown, 30},
-              {createFixedDecimal(9, 2), 30},
-              {77, 30}};
+  } rows[] = {
+      // clang-format off
+      {kInteger, 163870}, {kBoolean, 16414}, {kLong, 311326}, {kDate, 311326}, {kTimestamp, 311326},
+      {kInterval, 311326}, {kBigDateTime, 311326}, {kTime, 311326},
+      {kMoney1 + 2, createFixedDecimal(19, 3)}, {kInt16, 30}, {kFloat, 30}, {kString, 30},
+      {kBinary, 30}, {kUnknown, 30}, {createFixedDecimal(9, 2), 30}, {77, 30},
+      // clang-format on
+  };
   for (const auto& row : rows) {
     unsigned type = row.type;
     maximizeTypeToFixedDecimal(type);

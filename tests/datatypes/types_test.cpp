@@ -68,42 +68,18 @@ TEST(Types, CodesOfNames) {
     const char* name;
     unsigned type;
   } rows[] = {
-      {"boolean", 10},
-      {"int16", 0},
-      {"int32", 1},
-      {"integer", 1},
-      {"int64", 2},
-      {"long", 2},
-      {"money", 7},
-      {"money(1)", 11},
-      {"money(9)", 19},
-      {"money(15)", 25},
-      {"interval", 26},
-      {"double", 3},
-      {"float", 3},
-      {"time", 29},
-      {"date", 4},
-      {"timestamp", 8},
-      {"bigdatetime", 27},
-      {"string", 5},
-      {"binary", 28},
-      {"INTEGER", 6},
-      {"", 6},
-      {" long", 6},
-      {"money(16)", 6},
-      {"N/A", 6},
-      {"decimal(10,2)", 164382},
-      {"decimal(1,0)", 16414},
-      {"a fixeddecimal( 19 , 0x)", 311326},
-      {"decimal", 30},
-      {"decimal(5", 30 | 5 << 14},
-      {"decimal,3)", 30 | 3 << 8},
-      {"decimal,3)(4", 30 | 3 << 8},
-      {"decimal(x,y)", 30},
+      // clang-format off
+      {"boolean", 10}, {"int16", 0}, {"int32", 1}, {"integer", 1}, {"int64", 2}, {"long", 2},
+      {"money", 7}, {"money(1)", 11}, {"money(9)", 19}, {"money(15)", 25}, {"interval", 26},
+      {"double", 3}, {"float", 3}, {"time", 29}, {"date", 4}, {"timestamp", 8}, {"bigdatetime", 27},
+      {"string", 5}, {"binary", 28}, {"INTEGER", 6}, {"", 6}, {" long", 6}, {"money(16)", 6},
+      {"N/A", 6}, {"decimal(10,2)", 164382}, {"decimal(1,0)", 16414},
+      {"a fixeddecimal( 19 , 0x)", 311326}, {"decimal", 30}, {"decimal(5", 30 | 5 << 14},
+      {"decimal,3)", 30 | 3 << 8}, {"decimal,3)(4", 30 | 3 << 8}, {"decimal(x,y)", 30},
       {"decimal)7(8,9", 30 | 8 << 14},
       // masked, not checked
-      {"decimal(16385,65)", 30 | 1 << 14 | 1 << 8},
-      {"decimal(-1,0)", 30 | 0x3FFF << 14},
+      {"decimal(16385,65)", 30 | 1 << 14 | 1 << 8}, {"decimal(-1,0)", 30 | 0x3FFF << 14},
+      // clang-format on
   };
   for (const auto& row : rows) EXPECT_EQ(stringToType(row.name), row.type) << row.name;
 }
