@@ -89,13 +89,17 @@ __attribute__((target("avx2"))) inline __m256i nibblesOf(__m256i chars) {
   return _mm256_min_epu8(digits, letters);
 }
 
-// Decodes blocks of 64 digits for as long as `length` and `room` hold them and they are all digits;
+std::size_t blocks(const char* text, const char* textEnd, std::size_t blockBytes) {
+  return static_cast<std::size_t>(textEnd - text) / blockBytes;
+}
+
+// Decodes blocks of 64 digits for as long as the text and `room` hold them and they are all digits;
 // returns how many bytes that gave.
-__attribute__((target("avx2"))) std::size_t decodeByAvx2(const char* text, std::size_t length,
+__attribute__((target("avx2"))) std::size_t decodeByAvx2(const char* text, const char* textEnd,
                                                          unsigned char* out, std::size_t room) {
   const __m256i weights = _mm256_set1_epi16(0x0110);   // 16 x first + second
   const __m256i toSign = _mm256_set1_epi8(0x7F - 15);  // sets the sign of what is above 15
-  const std::size_t end = std::min(length / kBlockBytes, room / kStep) * kStep;
+  const std::size_t end = std::min(blocks(text, textEnd, kBlockBytes), room / kStep) * kStep;
   std::size_t bytes = 0;
   for (; bytes != end; bytes += kStep) {
     const auto* at = reinterpret_cast<const __m256i*>(text + bytes * 2);
@@ -130,14 +134,15 @@ alignas(kBlockBytes) constexpr auto kEvenBytes = [] {
 // The same for two blocks at a time, with looks into a table; no digit has a sign in the table or
 // by itself, and a look does not see the sign of a character.
 __attribute__((target("avx512vbmi,avx512bw"))) std::size_t decodeByAvx512(const char* text,
-                                                                          std::size_t length,
+                                                                          const char* textEnd,
                                                                           unsigned char* out,
                                                                           std::size_t room) {
   const __m512i lower = _mm512_load_si512(kNibbles.data());
   const __m512i upper = _mm512_load_si512(kNibbles.data() + kBlockBytes);
   const __m512i evenBytes = _mm512_load_si512(kEvenBytes.data());
   const __m512i weights = _mm512_set1_epi16(0x0110);  // 16 x first + second
-  const std::size_t end = std::min(length / (kBlockBytes * 2), room / kBlockBytes) * kBlockBytes;
+  const std::size_t end =
+      std::min(blocks(text, textEnd, kBlockBytes * 2), room / kBlockBytes) * kBlockBytes;
   std::size_t bytes = 0;
   for (; bytes != end; bytes += kBlockBytes) {
     const __m512i chars = _mm512_loadu_si512(text + bytes * 2);
@@ -150,10 +155,10 @@ __attribute__((target("avx512vbmi,avx512bw"))) std::size_t decodeByAvx512(const 
                         _mm512_permutex2var_epi8(_mm512_maddubs_epi16(first, weights), evenBytes,
                                                  _mm512_maddubs_epi16(second, weights)));
   }
-  return bytes + decodeByAvx2(text + bytes * 2, length - bytes * 2, out + bytes, room - bytes);
+  return bytes + decodeByAvx2(text + bytes * 2, textEnd, out + bytes, room - bytes);
 }
 
-std::size_t decodeNone(const char*, std::size_t, unsigned char*, std::size_t) {
+std::size_t decodeNone(const char*, const char*, unsigned char*, std::size_t) {
   return 0;
 }
 
@@ -205,8 +210,7 @@ HexResult decodeHex(const char* text, unsigned char* out, std::size_t outSize, H
   const char* const end = text + std::strlen(text);
   while (text != end) {
     if (decoder.isBetweenBytes()) {
-      const std::size_t bytes = decodeBlocks(text, static_cast<std::size_t>(end - text),
-                                             decoder.position(), decoder.room());
+      const std::size_t bytes = decodeBlocks(text, end, decoder.position(), decoder.room());
       decoder.advance(bytes);
       text += bytes * 2;
     }

@@ -76,10 +76,10 @@ inline void putDate(unsigned day, char* out) {
   putWord(out + 4, kMonthAndDay[dayOfYear]);
 }
 
-// "00:" to "99:".
+// "00:" to "59:".
 constexpr auto kPairAndColon = [] {
-  std::array<char, 400> texts{};
-  for (std::size_t i = 0; i < 100; ++i) {
+  std::array<char, 240> texts{};
+  for (std::size_t i = 0; i < 60; ++i) {
     texts[i * 4] = static_cast<char>('0' + i / 10);
     texts[i * 4 + 1] = static_cast<char>('0' + i % 10);
     texts[i * 4 + 2] = ':';

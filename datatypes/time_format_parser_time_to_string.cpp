@@ -90,10 +90,10 @@ void TimeFormatParser_TimeToString::OnFieldFF() {
 
 void TimeFormatParser_TimeToString::OnFieldFFn(char digit) {
   // What turns microseconds into one to nine digits of a second.
-  static constexpr int kDivisors[] = {0, 100000, 10000, 1000, 100, 10, 1, 1, 1, 1};
-  static constexpr int kFactors[] = {0, 1, 1, 1, 1, 1, 1, 10, 100, 1000};
+  static constexpr int kDivisors[] = {100000, 10000, 1000, 100, 10, 1, 1, 1, 1};
+  static constexpr int kFactors[] = {1, 1, 1, 1, 1, 1, 10, 100, 1000};
   const int digits = digit - '0';
-  fraction(long{fractionMicros_} / kDivisors[digits] * kFactors[digits], digits);
+  fraction(long{fractionMicros_} / kDivisors[digits - 1] * kFactors[digits - 1], digits);
 }
 
 void TimeFormatParser_TimeToString::OnFieldSSSSS() {

@@ -57,6 +57,7 @@ TEST(Cast, Values) {
       {kLong, kInteger, "-2147483648", "-2147483648"}, {kLong, kInteger, "2147483648", "refused"},
       {kInt16, kLong, "-5", "-5"}, {kInteger, kBoolean, "1", "true"},
       {kInteger, kBoolean, "2", "refused"}, {kBoolean, kMoney, "true", "1.0000"},
+      {kBoolean, kLong, "false", "0"},
       {kInteger, kMoney2, "7", "7.00"}, {kLong, kMoney2, "922337203685477581", "refused"},
       {kMoney, kMoney2, "1.5000", "1.50"}, {kMoney, kMoney2, "1.2345", "refused"},
       {kMoney, kInteger, "1.0000", "1"}, {kMoney, kInteger, "1.5", "refused"},

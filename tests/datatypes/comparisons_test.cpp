@@ -83,7 +83,8 @@ TEST(Comparisons, DecimalsOfDifferentScales) {
               {-100, 2, -99, 2, true},     {-101, 2, -10, 1, true},
               {1, 200, 1, 0, true},        {1, 0, 1, 200, false},
               {-1, 0, -1, 200, true},      {0, 9, 0, 0, false},
-              {1, 0, 1000000001, 9, true}, {1L << 62, 0, 1L << 62, 30, false}};
+              {1, 0, 1000000001, 9, true}, {1L << 62, 0, 1L << 62, 30, false},
+              {0, 0, 1, 200, true},        {1, 200, 0, 0, false}};
   for (const auto& row : rows) {
     DataValue a;
     DataValue b;

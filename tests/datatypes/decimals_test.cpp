@@ -85,6 +85,14 @@ TEST(FixedDecimal, FromTextAtTheEdges) {
     FixedDecimalValue value;
     EXPECT_EQ(value.setDecimalValue(row.precision, row.scale, row.text), row.isOk) << row.text;
   }
+  // Coefficients that no precision allows.
+  Uint128 coefficient = 0;
+  EXPECT_TRUE(parseDecimalPlain("170141183460469231731687303715884105727", 0, coefficient));
+  EXPECT_TRUE(coefficient == ~Uint128{0} >> 1);
+  EXPECT_TRUE(parseDecimalPlain("-170141183460469231731687303715884105728", 0, coefficient));
+  EXPECT_FALSE(parseDecimalPlain("170141183460469231731687303715884105728", 0, coefficient));
+  for (const int precision : {0, 39})
+    EXPECT_TRUE(decimal(0, precision, 0).checkPrecisionOverflow()) << precision;
   // Scale and precision are stored, and the bytes behind them are zero.
   FixedDecimalValue value;
   std::memset(&value, 0xFF, sizeof value);
@@ -260,6 +268,11 @@ TEST(Decimals, Doubles) {
     double result = 0;
     EXPECT_TRUE(decimal_getDouble(value.high, value.low, row.scale, result));
     EXPECT_EQ(result, row.result);
+  }
+  for (int scale = -9; scale <= 30; ++scale) {
+    double power = 0;
+    EXPECT_TRUE(decimal_getDouble(0, 1, scale, power));
+    EXPECT_EQ(power, std::stod("1e" + std::to_string(-scale)));
   }
   double untouched = 1.5;
   EXPECT_FALSE(decimal_getDouble(0, 1, 31, untouched));
