@@ -6,6 +6,7 @@
 #include "driver2/db_error2_odbc.h"
 #include "driver2/env2_odbc.h"
 #include "driver2/transfer_policy.h"
+#include "driver2/wipe.h"
 #include "host/data_service.h"
 
 namespace KORVEX::Zel::DB {
@@ -21,6 +22,9 @@ struct ServiceProperties {
         databaseType(service.getPropertyValueAsString("DatabaseType", "")),
         writeBigIntAsChar(service.getPropertyValueAsBool("WriteBigIntAsChar", false)),
         safeTransfer(service.getPropertyValueAsBool("SafeTransfer", false)) {}
+  ~ServiceProperties() { wipe(password); }
+  ServiceProperties(const ServiceProperties&) = delete;
+  ServiceProperties& operator=(const ServiceProperties&) = delete;
 
   std::string dsn;
   std::string user;

@@ -13,6 +13,7 @@
 #include "driver2/lost_link.h"
 #include "driver2/prepared_statement2_odbc.h"
 #include "driver2/transfer_policy.h"
+#include "driver2/wipe.h"
 
 namespace KORVEX::Zel::DB::ODBC {
 
@@ -51,6 +52,7 @@ Connection2Odbc::Connection2Odbc(Env2Odbc* env, const char* dsn, const char* use
 }
 
 Connection2Odbc::~Connection2Odbc() {
+  clearProperties();
   if (dbc_ == SQL_NULL_HDBC) return;
   disconnect(true, nullptr);
   SQLFreeHandle(SQL_HANDLE_DBC, dbc_);
@@ -74,10 +76,13 @@ int Connection2Odbc::initialize(DBError* error) {
 }
 
 void Connection2Odbc::setConnectionProperty(const char* key, const char* value) {
-  properties_[key] = value;
+  std::string& property = properties_[key];
+  wipe(property);
+  property = value;
 }
 
 void Connection2Odbc::clearProperties() {
+  for (auto& [key, value] : properties_) wipe(value);
   properties_.clear();
 }
 
@@ -93,7 +98,8 @@ int Connection2Odbc::connect(DBError* error) {
   return guardedAccess(error, [&] {
     if (connected_) return 0;
     const auto property = properties_.find(kPasswordProperty);
-    const std::string password = property == properties_.end() ? "" : property->second;
+    static const std::string kNone;
+    const std::string& password = property == properties_.end() ? kNone : property->second;
     const SQLRETURN rc = SQLConnect(dbc_, odbcText(dsn_), SQL_NTS, odbcText(user_), SQL_NTS,
                                     odbcText(password), SQL_NTS);
     connected_ = policy_.succeeded(rc);

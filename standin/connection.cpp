@@ -1,5 +1,6 @@
 #include "host/connection.h"
 
+#include <cstring>
 #include <utility>
 
 namespace KORVEX::Zel::DB {
@@ -8,7 +9,9 @@ Connection::Connection(const std::string&, const std::string&, const std::string
                        const std::string& password, const std::string&)
     : user_(user), password_(password) {}
 
-Connection::~Connection() = default;
+Connection::~Connection() {
+  explicit_bzero(password_.data(), password_.size());
+}
 
 std::string Connection::getDriverProperty(const std::string&) {
   return {};
