@@ -18,7 +18,10 @@ EXPORTED = re.compile(r"FactoryDriver|DataTypes::(?:(?:Timestamp|Date|BigDateTim
                       r"(?:Timestamp|Date|Time|BigDateTime)FromString|longdivmod128|longdivmod|"
                       r"mul1|divmod1)\(.*\)")
 PLUGIN_FOLDERS = ("datatypes", "odbc", "driver", "driver2")
-WRONG = "Vb7-wrong-q2Lx"
+# Long: what is freed loses its first bytes at once, the rest may stay for hours.
+WRONG = "Vb7-wrong-q2Lx-and-a-tail-that-is-left-in-freed-memory"
+TAIL = WRONG[-20:].encode()
+IN_FILE = "Kq4-wrong-in-odbc.ini"
 
 
 def output(*command):
@@ -65,11 +68,64 @@ def check_compiled(build, found):
 
 
 def is_shown(process, text):
-    """Whether a process's command line has the text."""
+    """Whether a process's command line or environment has the text."""
     try:
-        return text in pathlib.Path(f"/proc/{process.pid}/cmdline").read_bytes()
+        return any(text in pathlib.Path(f"/proc/{process.pid}/{file}").read_bytes()
+                   for file in ("cmdline", "environ"))
     except OSError:
         return False
+
+
+def copies(process, text):
+    """How often the text is in what a process has written to its memory."""
+    count = 0
+    maps = pathlib.Path(f"/proc/{process.pid}/maps").read_text(encoding="utf-8")
+    with open(f"/proc/{process.pid}/mem", "rb", 0) as memory:
+        for begin, end in re.findall(r"^(\w+)-(\w+) \S*w", maps, re.MULTILINE):
+            memory.seek(int(begin, 16))
+            count += memory.read(int(end, 16) - int(begin, 16)).count(text)
+    return count
+
+
+def data_sources(folder):
+    """Data sources that fail in several ways; some repeat the password."""
+    text = pathlib.Path(os.environ["ODBCINI"]).read_text(encoding="utf-8")
+    sources = {}
+    for name, keys in re.findall(r"^\[(SQLite|PostgreSQL|MariaDB)\]\n((?:.+\n)*)", text,
+                                 re.MULTILINE):
+        sources |= {name: keys, f"{name}InFile": f"{keys}Password={IN_FILE}\nPWD={IN_FILE}\n",
+                    f"{name}NoHost": re.sub(r"(?mi)^port=.*", "Port=1", keys),
+                    f"{name}NoDriver": re.sub(r"(?m)^Driver=.*", "Driver=/nowhere.so", keys)}
+    sections = (f"[{name}]\n{keys}\n" for name, keys in sources.items())
+    (folder / "odbc.ini").write_text("".join(sections), encoding="utf-8")
+    (folder / "odbcinst.ini").touch()
+    return [*sources, f"PostgreSQL;PWD={WRONG}", f"Driver=SQLite;PWD={WRONG}"]
+
+
+def check_logins(build, found):
+    """What the plug-in says of logins that fail, and keeps of them when they are over."""
+    with tempfile.TemporaryDirectory() as folder:
+        sources = data_sources(pathlib.Path(folder))
+        env = dict(os.environ, ODBCSYSINI=folder, ODBCINI=f"{folder}/odbc.ini")
+        del env["ZEL_TEST_PASSWORD"]
+        for source, generation in ((s, g) for s in sources for g in "12"):
+            what = f"login {generation} {source}".replace(WRONG, "...")
+            with subprocess.Popen([build / "tests" / "login", generation, source], env=env,
+                                  stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                  stderr=subprocess.STDOUT) as login:
+                login.stdin.write(f"{WRONG}\n".encode())
+                login.stdin.flush()
+                said = b""
+                while not said.endswith(b"released\n") and (line := login.stdout.readline()):
+                    said += line
+                found.expect(len(said) > len("released\n") and not any(
+                    text.encode() in said.replace(source.encode(), b"")
+                    for text in (WRONG, IN_FILE)), f"{what} says a password, or nothing: {said}")
+                found.expect(WRONG in source or not is_shown(login, WRONG.encode()),
+                             f"{what} shows a password")
+                # This driver keeps no copy, so that every copy would be the plug-in's.
+                found.expect(source != "SQLite" or copies(login, TAIL) == 0,
+                             f"{what} leaves a password in memory")
 
 
 def check_passwords(build, found):
@@ -81,6 +137,8 @@ def check_passwords(build, found):
             f'[{name}{kind}]\nDSN = "{name}"\nUser = "app"\nPassword = "{password}"\n'
             for name in ("PostgreSQL", "MariaDB")
             for kind, password in (("Right", right), ("Wrong", WRONG))), encoding="utf-8")
+        env = dict(os.environ)
+        del env["ZEL_TEST_PASSWORD"]
         for service in re.findall(r"\[(\w+)\]", services.read_text(encoding="utf-8")):
             for verb in (("check",), ("doctor",), ("tables",),
                          ("query", "select nothing from nowhere"),
@@ -89,7 +147,7 @@ def check_passwords(build, found):
                 command = [build / "bin" / "zeldb", "--services", services, "--log-level", "debug",
                            verb[0], service, *verb[1:]]
                 with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                      cwd=folder) as process:
+                                      cwd=folder, env=env) as process:
                     shown = False
                     said = b""
                     while process.poll() is None and not shown:
@@ -113,6 +171,7 @@ def main(build, loads):
     found.expect(bare.returncode == 0, f"{loads} loads: {bare.stdout}")
     found.tried += loads - 1
     check_passwords(build, found)
+    check_logins(build, found)
     for text in found[:20]:
         print(f"  {text}")
     print(f"{'hardening':24} {found.tried:12} tried {len(found):8} findings")

@@ -3,9 +3,10 @@
     lost_server.py kills|seconds COUNT SEED [--cluster]
 
 For PostgreSQL and MariaDB each, COUNT times or for so long, at random moments: the server is killed
-and started again. Between the kills it is stopped for a while, connections are cut in mid-message, reset, or
-carry nothing for a while. Both generations write meanwhile (the program in LOST_SERVER). With
---cluster, nodes of a Galera cluster are killed instead, which the programs reach without a proxy.
+and started again. Between the kills it is stopped for a while, connections are cut in mid-message,
+reset, or carry nothing for a while. Both generations write meanwhile (the program in LOST_SERVER).
+With --cluster, nodes of a Galera cluster are killed instead, which the programs reach without a
+proxy.
 
 Every batch that a program took as committed must be there; nothing else may be there but what it
 holds to be in doubt; batches are whole, and nothing is there twice. Prints a line; ends with 1 when

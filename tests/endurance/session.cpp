@@ -104,6 +104,9 @@ class FirstSession : public Session {
     failure_ = {};
     failure_.text = takeLog();
     failure_.state = stateIn(failure_.text, 0);
+    std::string errors;
+    if (connection_ != nullptr) connection_->getLastErrors(errors);
+    failure_.text += errors;
     return false;
   }
 
