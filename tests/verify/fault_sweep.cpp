@@ -28,6 +28,8 @@ const Answer kAnswers[] = {
 
 enum class Expected { kDone, kRefused, kEither };
 enum class Transfer { kAny, kPlain, kSafe };
+// Of calls of one function that follow each other: the columns of a row, the attributes of a batch.
+enum class Place { kAny, kLast, kNotLast };
 
 // What an operation makes of one failing call. The first row that fits holds; without one, a
 // warning is none and everything else refuses the operation.
@@ -38,11 +40,13 @@ struct Rule {
   Expected expected;
   Generation generation = Generation::kFirst;
   Transfer transfer = Transfer::kAny;
+  Place place = Place::kAny;
 };
 
 constexpr int kAnyCode = 1000;
 constexpr int kAnyFailure = 1001;  // all but a warning
 
+constexpr Generation k1 = Generation::kFirst;
 constexpr Generation k2 = Generation::kSecond;
 
 constexpr Rule kRules[] = {
@@ -54,24 +58,46 @@ constexpr Rule kRules[] = {
     {"clearBatch", "", kAnyCode, Expected::kDone},
     {"open again", "SQLEndTran", kAnyCode, Expected::kDone},
     {"open again", "SQLDisconnect", kAnyCode, Expected::kDone},
-    {"", "SQLGetInfo", kAnyCode, Expected::kEither},
+    // Kept: the connection stays open, but its type is not known.
+    {"open", "SQLGetInfo", kAnyFailure, Expected::kRefused},
+    {"", "SQLGetInfo", kAnyCode, Expected::kDone},
     {"", "SQLGetConnectAttr", kAnyCode, Expected::kDone},
     // The environment's failure is told when the connection is opened.
     {"createConnection", "", kAnyCode, Expected::kDone},
     // The batch's own attributes: the last one, its size, is needed.
-    {"executeBatch", "SQLSetStmtAttr", kAnyCode, Expected::kEither},
+    {"executeBatch", "SQLSetStmtAttr", kAnyCode, Expected::kDone, k1, Transfer::kAny,
+     Place::kNotLast},
     // A table that could not be dropped is created all the same, and the database has its say.
-    {"createTable", "", kAnyCode, Expected::kEither},
-    // "No data" is the end of rows, of results, and of an update that hits none.
-    {"next", "", SQL_NO_DATA, Expected::kEither},
-    {"get", "", SQL_NO_DATA, Expected::kEither},
-    {"metadata", "", SQL_NO_DATA, Expected::kEither},
+    {"createTable", "SQLAllocHandle", kAnyFailure, Expected::kEither},
+    {"createTable", "SQLPrepare", kAnyFailure, Expected::kEither},
+    {"createTable", "SQLNumParams", kAnyFailure, Expected::kEither},
+    {"createTable", "SQLExecute", kAnyFailure, Expected::kEither},
+    {"createTable", "SQLRowCount", kAnyFailure, Expected::kEither},
+    // "No data" is the end of rows, of results, and of an update that hits none. A list that ended
+    // early may lack the column asked for.
+    {"getNumColumns", "", SQL_NO_DATA, Expected::kRefused},
+    {"getColumnInfo", "", SQL_NO_DATA, Expected::kRefused},
+    {"", "SQLAllocHandle", SQL_NO_DATA, Expected::kRefused},
+    {"", "SQLTables", SQL_NO_DATA, Expected::kRefused},
+    {"", "SQLColumns", SQL_NO_DATA, Expected::kRefused},
+    {"", "SQLPrimaryKeys", SQL_NO_DATA, Expected::kRefused},
+    {"getTableColumn", "", SQL_NO_DATA, Expected::kEither},
+    {"metadata getTableColumnType", "", SQL_NO_DATA, Expected::kEither},
+    {"next", "", SQL_NO_DATA, Expected::kDone},
+    {"get", "", SQL_NO_DATA, Expected::kDone},
+    {"metadata", "", SQL_NO_DATA, Expected::kDone},
+    {"createTable", "", SQL_NO_DATA, Expected::kDone},
     {"executeBatch", "SQLExecute", SQL_NO_DATA, Expected::kRefused},
-    {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, Generation::kFirst, Transfer::kSafe},
-    // Kept: of all columns of a row only an error ends the row.
-    {"next", "SQLGetData", kAnyFailure, Expected::kEither},
-    {"get", "SQLGetData", kAnyFailure, Expected::kEither},
-    {"metadata", "SQLGetData", kAnyFailure, Expected::kEither},
+    {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, k1, Transfer::kSafe},
+    // Kept: of all columns of a row only an error ends the row; the last one's status is the row's.
+    // A table's name that was not read is another table's.
+    {"", "SQLGetData", SQL_ERROR, Expected::kRefused},
+    {"", "SQLGetData", SQL_INVALID_HANDLE, Expected::kRefused},
+    {"getTableColumnInfo", "SQLGetData", kAnyFailure, Expected::kEither, k1, Transfer::kAny,
+     Place::kNotLast},
+    {"metadata getTableColumnType", "SQLGetData", kAnyFailure, Expected::kEither, k1,
+     Transfer::kAny, Place::kNotLast},
+    {"", "SQLGetData", kAnyFailure, Expected::kDone, k1, Transfer::kAny, Place::kNotLast},
 
     // Second generation.
     {"", "SQLFreeHandle", kAnyCode, Expected::kDone, k2},
@@ -82,9 +108,9 @@ constexpr Rule kRules[] = {
     {"releaseStatement", "SQLFreeStmt", kAnyCode, Expected::kEither, k2},
     // Kept: the environment is never told of safe transfer, the connection is.
     {"createConnection2", "SQLSetEnvAttr", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2},
-    {"createConnection2", "", SQL_SUCCESS_WITH_INFO, Expected::kEither, k2},
+    {"createConnection2", "SQLAllocHandle", SQL_SUCCESS_WITH_INFO, Expected::kEither, k2},
     {"hasMoreData", "SQLFetch", SQL_NO_DATA, Expected::kDone, k2},
-    {"nextResultSet", "SQLMoreResults", kAnyCode, Expected::kEither, k2},
+    {"nextResultSet", "SQLMoreResults", SQL_NO_DATA, Expected::kDone, k2},
     {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, k2, Transfer::kSafe},
     // The end of a long value whose driver never tells how long it is.
     {"nextRow", "SQLGetData", SQL_NO_DATA, Expected::kEither, k2, Transfer::kSafe},
@@ -93,14 +119,15 @@ constexpr Rule kRules[] = {
     {"", "", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2, Transfer::kPlain},
 };
 
-Expected expectedOf(const Operation& operation, bool safe, const std::string& function,
+Expected expectedOf(const Operation& operation, bool safe, const std::string& function, bool isLast,
                     SQLRETURN rc) {
   for (const Rule& rule : kRules) {
     const bool code = rule.rc == rc || rule.rc == kAnyCode ||
                       (rule.rc == kAnyFailure && rc != SQL_SUCCESS_WITH_INFO);
     const bool transfer =
         rule.transfer == Transfer::kAny || (rule.transfer == Transfer::kSafe) == safe;
-    if (code && transfer && rule.generation == operation.generation &&
+    const bool place = rule.place == Place::kAny || (rule.place == Place::kLast) == isLast;
+    if (code && transfer && place && rule.generation == operation.generation &&
         std::string_view(operation.name).starts_with(rule.operations) &&
         (rule.function.empty() || rule.function == function)) {
       return rule.expected;
@@ -116,11 +143,9 @@ class Trial {
       : check_(check), operation_(operation), world_(safe) {
     operation.prepare(world_);
     linesBefore_ = world_.logLines;
-    before_ = world_.odbc.calls("");
   }
 
   World& world() { return world_; }
-  int calls() { return world_.odbc.calls("") - before_; }
 
   Outcome run() {
     check_.tried();
@@ -189,7 +214,6 @@ class Trial {
   Check& check_;
   const Operation& operation_;
   World world_;
-  int before_ = 0;
   std::uint64_t linesBefore_ = 0;
   std::string faulted_;
 };
@@ -199,18 +223,21 @@ std::string describe(const Operation& operation, bool safe, int call, const fake
          " answers " + std::to_string(answer.rc) + (answer.records.empty() ? "" : " with record");
 }
 
-int countCalls(Check& check, const Operation& operation, bool safe) {
+// The names of the functions that an operation calls.
+Strings callsOf(Check& check, const Operation& operation, bool safe) {
   Trial trial(check, operation, safe);
+  trial.world().odbc.logging = true;
   const Outcome outcome = trial.run();
-  const int calls = trial.calls();
+  Strings calls = trial.world().odbc.takeLog();
+  for (std::string& call : calls) call.resize(call.find('('));
   const std::string what = std::string(operation.name) + (safe ? ", safe" : "");
   if (outcome != Outcome::kDone) check.found(what + ": does not succeed without a fault");
   trial.expectSound(outcome, what);
   return calls;
 }
 
-void tryFault(Check& check, const Operation& operation, bool safe, int call, const Answer& answer,
-              bool fromThenOn) {
+void tryFault(Check& check, const Operation& operation, bool safe, int call, bool isLast,
+              const Answer& answer, bool fromThenOn) {
   Trial trial(check, operation, safe);
   trial.world().odbc.fail("", call, answer, fromThenOn);
   const Outcome outcome = trial.run();
@@ -218,7 +245,7 @@ void tryFault(Check& check, const Operation& operation, bool safe, int call, con
                            (fromThenOn ? " from then on" : "") + " (" + trial.faulted() + ")";
   if (trial.faulted().empty()) check.found(what + ": the call was not made");
   if (!fromThenOn) {
-    const Expected expected = expectedOf(operation, safe, trial.faulted(), answer.rc);
+    const Expected expected = expectedOf(operation, safe, trial.faulted(), isLast, answer.rc);
     if (expected == Expected::kDone && outcome != Outcome::kDone) check.found(what + ": refused");
     if (expected == Expected::kRefused && outcome == Outcome::kDone) check.found(what + ": done");
     if (expected == Expected::kRefused) trial.expectReason(answer, what);
@@ -232,11 +259,13 @@ bool checkFaults(const Options&) {
   Check check("faults");
   for (const Operation& operation : operations()) {
     for (const bool safe : {false, true}) {
-      const int calls = countCalls(check, operation, safe);
-      for (int call = 1; call <= calls; ++call) {
+      const Strings calls = callsOf(check, operation, safe);
+      for (std::size_t i = 0; i < calls.size(); ++i) {
+        const bool isLast = i + 1 == calls.size() || calls[i + 1] != calls[i];
         for (const Answer& answer : kAnswers) {
-          tryFault(check, operation, safe, call, answer, false);
-          tryFault(check, operation, safe, call, answer, true);
+          for (const bool fromThenOn : {false, true}) {
+            tryFault(check, operation, safe, static_cast<int>(i) + 1, isLast, answer, fromThenOn);
+          }
         }
       }
     }
@@ -248,16 +277,16 @@ bool checkFaultPairs(const Options& options) {
   Check check("pairs of faults");
   std::mt19937_64 random(options.seed);
   const auto below = [&](std::size_t limit) { return static_cast<std::size_t>(random() % limit); };
-  std::vector<int> calls;
+  std::vector<std::size_t> calls;
   for (const Operation& operation : operations()) {
-    calls.push_back(countCalls(check, operation, false));
+    calls.push_back(callsOf(check, operation, false).size());
   }
   for (std::uint64_t i = 0; i < options.count;) {
     const std::size_t at = below(operations().size());
     if (calls[at] == 0) continue;
     const Operation& operation = operations()[at];
     const bool safe = below(2) == 1;
-    const int first = 1 + static_cast<int>(below(static_cast<std::size_t>(calls[at])));
+    const int first = 1 + static_cast<int>(below(calls[at]));
     const int second = first + 1 + static_cast<int>(below(6));
     const fake::Answer& answer = kAnswers[below(std::size(kAnswers))];
     const fake::Answer& other = kAnswers[below(std::size(kAnswers))];

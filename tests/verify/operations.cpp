@@ -389,6 +389,12 @@ constexpr Operation kOperations[] = {
        return of2(w.statement->nextResultSet(more, w.error));
      },
      hasStatement},
+    {"nextResultSet 2 again", kG2, onFirstRow2,
+     [](World& w) {
+       bool more = false;
+       return of2(w.statement->nextResultSet(more, w.error));
+     },
+     hasStatement},
     {"hasMoreData", kG2, onResult2,
      [](World& w) {
        bool more = false;

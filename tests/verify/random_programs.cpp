@@ -57,6 +57,7 @@ class Model {
     if (name == "createPreparedStatement") prepared_ = true, row2_ = kUnopened;
     if (name.starts_with("execute values") || name == "execute again") row2_ = kExecuted;
     if (name == "execute a packed row") row2_ = kUnopened;
+    if (name == "nextResultSet 2 again") row2_ = kUnopened;
     if (name == "nextResultSet 2") row2_ = row2_ == kExecuted ? 0 : kUnopened;
     if (name == "hasMoreData" && row2_ >= 0) ++row2_;
   }
