@@ -93,6 +93,11 @@ void bound2(World& w) {
   w.statement->setBindings(w.bindings, w.parameterTypes.data(), w.error);
 }
 
+void packedExecuted2(World& w) {
+  bound2(w);
+  if (w.statement != nullptr) w.statement->execute(w.packedRow.get(), w.error);
+}
+
 void executed2(World& w) {
   prepared2(w);
   if (w.statement == nullptr) return;
@@ -372,6 +377,8 @@ constexpr Operation kOperations[] = {
      },
      hasStatement},
     {"execute a packed row", kG2, bound2,
+     [](World& w) { return of2(w.statement->execute(w.packedRow.get(), w.error)); }, hasStatement},
+    {"execute a packed row again", kG2, packedExecuted2,
      [](World& w) { return of2(w.statement->execute(w.packedRow.get(), w.error)); }, hasStatement},
     {"execute values", kG2, prepared2,
      [](World& w) {
