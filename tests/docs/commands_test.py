@@ -27,6 +27,9 @@ RUN_ELSEWHERE = {
     "apt-get install ./build/packages": "the test Packages",
     "scripts/databases": "scripts/test starts and stops them",
     "scripts/lint": "the test Lint, and before a change is landed",
+    "scripts/verify": "nobody: minutes; the tests Verify, Fuzz, Endurance are its checks",
+    "scripts/coverage": "nobody: minutes",
+    "scripts/mutants": "nobody: minutes",
 }
 
 
