@@ -87,6 +87,7 @@ TEST(Cast, Values) {
       {kLong, kDate, "1262401445", "2010-01-02 03:04:05"}, {kInterval, kLong, "1500000", "1500000"},
       {kInterval, kDate, "1500000", "refused"}, {kTime, kInterval, "03:04:05", "refused"},
       {kLong, kString, "-5", "-5"}, {kDecimal52, kString, "1.5", "1.50"},
+      {kBinary, kString, "", ""},
       {kBinary, kString, "0a0b", "0A0B"}, {kString, kBinary, "4142", "AB"},
       {kString, kBinary, "4 1 42", "refused"}, {kString, kInteger, "-5", "-5"},
       {kString, kInteger, "x", "refused"}, {kString, kString, "x", "x"},

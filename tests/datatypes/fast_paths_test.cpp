@@ -318,6 +318,8 @@ TEST_F(FastPaths, ShortDecimals) {
       "-123456789012345.6",
       // clang-format on
   };
+  FixedDecimalValue value;
+  EXPECT_TRUE(readShortDecimal("-12.50   ", 6, createFixedDecimal(5, 2), value));
   for (const char* text : kTexts)
     for (int scale = 0; scale <= 15; ++scale) expectSameShortDecimal(text, 16, scale);
   for (int round = 0; round < kRounds; ++round) {
