@@ -37,7 +37,7 @@ HOW = """
 - `zeldb bench SERVICE` measures a database of one's own in the same way, in a scratch table that it
   creates and drops.
 - Figures 7 to 11 compare functions of the value library with the usual way to do the same, medians
-  of 41 rounds.
+  of 401 rounds.
 """
 
 
