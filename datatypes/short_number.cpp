@@ -18,6 +18,57 @@ bool readShortInteger(const char* text, std::size_t length, std::int64_t& value)
   return true;
 }
 
+namespace {
+
+bool isPoint(char c) {
+  return c == '.' || c == ',';
+}
+
+// A text without its sign, and the type it is wanted as.
+struct Unsigned {
+  const char* digits;
+  std::size_t length;
+  bool isNegative;
+  unsigned precision;
+  unsigned scale;
+};
+
+// Keeps a magnitude that is below 10^18.
+[[gnu::always_inline]] inline bool keep(const Unsigned& text, std::uint64_t magnitude,
+                                        FixedDecimalValue& value) {
+  constexpr unsigned kMostDigits = 18;
+  if (text.precision <= kMostDigits && magnitude >= lowWord(kPowersOfTen[text.precision - 1])) {
+    return false;
+  }
+  // Two's complement of 128 bits; a zero has no sign.
+  value = {};
+  value.high = text.isNegative && magnitude != 0 ? ~std::uint64_t{0} : 0;
+  value.low = text.isNegative ? -magnitude : magnitude;
+  value.scale = static_cast<std::uint8_t>(text.scale);
+  value.precision = static_cast<std::uint8_t>(text.precision);
+  return true;
+}
+
+// A text of 1 to 16 characters whose point is not where the scale wants it: databases leave zeros
+// at the end out.
+[[gnu::noinline]] bool readTrimmed(Unsigned text, FixedDecimalValue& value) {
+  // Fifteen digits besides the point, and as many zeros, are below 10^18.
+  constexpr std::size_t kMostZeros = 3;
+  std::size_t behind = 0;
+  while (behind < text.length && !isPoint(text.digits[text.length - 1 - behind])) ++behind;
+  if (behind == 0 || behind >= text.scale || behind + 1 >= text.length) return false;
+  const std::size_t zeros = text.scale - behind;
+  std::uint64_t magnitude = 0;
+  const __m128i window = paddedWindow(text.digits, text.length);
+  if (zeros > kMostZeros ||
+      !readSixteen(withoutPoint(window, static_cast<unsigned>(behind)), magnitude)) {
+    return false;
+  }
+  return keep(text, magnitude * lowWord(kPowersOfTen[zeros - 1]), value);
+}
+
+}  // namespace
+
 bool readShortDecimal(const char* text, std::size_t length, unsigned int typeCode,
                       FixedDecimalValue& value) {
   const unsigned precision = precisionOf(typeCode);
@@ -26,25 +77,16 @@ bool readShortDecimal(const char* text, std::size_t length, unsigned int typeCod
   const std::size_t signLength = isNegative || *text == '+' ? 1 : 0;
   text += signLength;
   length -= signLength;
-  const std::size_t fraction = scale == 0 ? 0 : scale + 1;
-  // A signed nothing, whose length has wrapped around, is too long.
-  if (length > kWindow || length <= fraction || precision - 1U >= kPowersOfTen.size()) return false;
+  // Nothing, and a signed nothing, whose length has wrapped around.
+  if (length - 1 >= kWindow || precision - 1U >= kPowersOfTen.size()) return false;
+  const Unsigned parts = {text, length, isNegative, precision, scale};
   __m128i window = paddedWindow(text, length);
   if (scale != 0) {
-    const char point = text[length - fraction];
-    if (point != '.' && point != ',') return false;
+    if (length <= scale + 1 || !isPoint(text[length - 1 - scale])) return readTrimmed(parts, value);
     window = withoutPoint(window, scale);
   }
   std::uint64_t magnitude = 0;
-  if (!readSixteen(window, magnitude)) return false;
-  if (precision <= kWindow && magnitude >= lowWord(kPowersOfTen[precision - 1])) return false;
-  // Two's complement of 128 bits; a zero has no sign.
-  value = {};
-  value.high = isNegative && magnitude != 0 ? ~std::uint64_t{0} : 0;
-  value.low = isNegative ? -magnitude : magnitude;
-  value.scale = static_cast<std::uint8_t>(scale);
-  value.precision = static_cast<std::uint8_t>(precision);
-  return true;
+  return readSixteen(window, magnitude) && keep(parts, magnitude, value);
 }
 
 }  // namespace DataTypes

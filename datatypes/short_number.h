@@ -18,8 +18,8 @@ inline constexpr std::size_t kShortNumberRoom = 9;
 // every other text.
 bool readShortInteger(const char* text, std::size_t length, std::int64_t& value);
 
-// Reads a decimal: an optional sign, digits, and behind a point exactly
-// as many as the type code's scale, 16 characters at most. Gives what
+// Reads a decimal: an optional sign, digits, and behind a point as many as the type code's scale or
+// up to three fewer, 16 characters at most. Gives what
 // FixedDecimalValue::setDecimalValue gives for the code's precision and scale, faster. False, with
 // `value` left alone, for every other text or type: those are for setDecimalValue to judge.
 bool readShortDecimal(const char* text, std::size_t length, unsigned int typeCode,

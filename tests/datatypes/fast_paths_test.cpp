@@ -320,6 +320,8 @@ TEST_F(FastPaths, ShortDecimals) {
   };
   FixedDecimalValue value;
   EXPECT_TRUE(readShortDecimal("-12.50   ", 6, createFixedDecimal(5, 2), value));
+  EXPECT_TRUE(readShortDecimal("-12.5    ", 5, createFixedDecimal(6, 4), value));
+  EXPECT_EQ(static_cast<std::int64_t>(value.low), -125000);
   for (const char* text : kTexts)
     for (int scale = 0; scale <= 15; ++scale) expectSameShortDecimal(text, 16, scale);
   for (int round = 0; round < kRounds; ++round) {
@@ -327,7 +329,8 @@ TEST_F(FastPaths, ShortDecimals) {
     const int precision = 1 + below(38);
     const std::string sign = below(3) == 0 ? "-" : below(9) == 0 ? "+" : "";
     std::string fraction;
-    for (int i = 0; i < scale; ++i) fraction += character("0123456789");
+    const int behind = std::max(0, scale - below(5));
+    for (int i = 0; i < behind; ++i) fraction += character("0123456789");
     const std::string text = sign + digits(16) + (scale > 0 ? "." : "") + fraction;
     ASSERT_NO_FATAL_FAILURE(
         expectSameShortDecimal(mutate(text, "0123456789.,-+ e/:"), precision, scale));
