@@ -255,10 +255,13 @@ int PreparedStatement2Odbc::nextRow(std::vector<DataValue>& row, DBError* error)
     if (resultSet_ < 0) return failAccess(error, "no data");
     if (row.size() != columns_.size()) return failAccess(error, "invalid column count");
     const bool clearsFlags = policy_.nullFlagsCount;
-    for (std::size_t i = 0; i < plans_.size(); ++i) {
-      const ColumnPlan& plan = plans_[i];
+    // The ends are kept at hand: fetching could change the lists, for all that the compiler knows.
+    const ColumnPlan* next = plans_.data();
+    DataValue* cells = row.data();
+    for (std::size_t i = 0, count = plans_.size(); i < count; ++i) {
+      const ColumnPlan& plan = *next++;
       // Routines write at the start of the cell, where the payload is.
-      DataValue& cell = row[i];
+      DataValue& cell = *cells++;
       int length = plan.bufferBytes;
       int result = 0;
       if (plan.inPlaceAs != 0) {
