@@ -103,9 +103,14 @@ Odbc::e_Status storeText(OdbcParam& parameter, unsigned int type, const DataValu
   return parameter.SetText(text.data(), value.isNull());
 }
 
+// 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
+constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
+                                       fixed<0>,   fixed<0>,   storeText<21>};
+
 struct FamilyRule {
   TypeFamily family;
   BindingRule rule;
+  const BindingRule* asChar = nullptr;  // where there is a form as characters
 };
 
 constexpr FamilyRule kRules[] = {
@@ -113,7 +118,9 @@ constexpr FamilyRule kRules[] = {
      {SQL_C_SHORT, SQL_SMALLINT, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::int16>}},
     {TypeFamily::kInt32,
      {SQL_C_SLONG, SQL_INTEGER, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::int32>}},
-    {TypeFamily::kInt64, {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong}},
+    {TypeFamily::kInt64,
+     {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong},
+     &kBigIntAsChar},
     {TypeFamily::kDouble,
      {SQL_C_DOUBLE, SQL_DOUBLE, fixed<0>, fixed<0>, fixed<0>, storeNumber<&DataValue::float64>}},
     {TypeFamily::kDate,
@@ -124,7 +131,9 @@ constexpr FamilyRule kRules[] = {
     {TypeFamily::kTimestamp,
      {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, fixed<23>, fixed<3>, fixed<0>, storeTimestamp}},
     {TypeFamily::kBoolean, {SQL_C_BIT, SQL_TINYINT, fixed<0>, fixed<0>, fixed<0>, storeBoolean}},
-    {TypeFamily::kInterval, {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong}},
+    {TypeFamily::kInterval,
+     {SQL_C_SBIGINT, SQL_BIGINT, fixed<0>, fixed<0>, fixed<0>, storeLong},
+     &kBigIntAsChar},
     {TypeFamily::kBigDateTime,
      {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, fixed<26>, fixed<6>, fixed<0>, storeTimestamp}},
     {TypeFamily::kTime, {SQL_C_TYPE_TIME, SQL_TYPE_TIME, fixed<6>, fixed<0>, fixed<0>, storeTime}},
@@ -136,17 +145,12 @@ constexpr FamilyRule kRules[] = {
 
 constexpr auto kRuleOfType = ODBC::rowsByType(kRules);
 
-// 64-bit integers and intervals as characters, for databases without a 64-bit binary transfer.
-constexpr BindingRule kBigIntAsChar = {SQL_C_CHAR, SQL_BIGINT, fixed<20>,
-                                       fixed<0>,   fixed<0>,   storeText<21>};
-
 }  // namespace
 
 const BindingRule* findBindingRule(unsigned int type, bool bigIntAsChar) {
   const FamilyRule* row = ODBC::rowOf(kRuleOfType, type);
   if (row == nullptr) return nullptr;
-  const bool bigInt = row->family == TypeFamily::kInt64 || row->family == TypeFamily::kInterval;
-  return bigInt && bigIntAsChar ? &kBigIntAsChar : &row->rule;
+  return bigIntAsChar && row->asChar != nullptr ? row->asChar : &row->rule;
 }
 
 void setParameterCommons(OdbcParam& parameter, const BindingRule& rule, unsigned int type,

@@ -136,9 +136,10 @@ ResultCode OdbcStatement::createBatch(const std::string& /*sql*/) {
 ResultCode OdbcStatement::addToBatch(const std::vector<Parameter>& params) {
   return guarded(kFailure, [&] {
     if (stmt_ == nullptr) return fail(keys::kAddingToBatch, "");
-    stmt_->DiscardPendingRow();  // what a row that failed before has left
+    if (rowPending_) stmt_->DiscardPendingRow();
     if (bindParameters(params) != kSuccess || valueRefused_) return kFailure;
     stmt_->IncrementBatchSize();
+    rowPending_ = false;
     return kSuccess;
   });
 }
@@ -195,6 +196,7 @@ ResultCode OdbcStatement::bindParameters(const std::vector<Parameter>& params) {
 void OdbcStatement::bindWith(const BindingRule& rule, ODBC::OdbcParam& parameter, unsigned int type,
                              const DataValue& value) {
   // The rows of a batch behind the first would be told what they have to be, to no effect.
+  rowPending_ = true;
   if (!parameter.IsDecided()) setParameterCommons(parameter, rule, type, value);
   if (rule.store(parameter, type, value) == Odbc::e_Ok) return;
   valueRefused_ = true;

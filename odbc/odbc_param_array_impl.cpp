@@ -77,9 +77,8 @@ Odbc::e_Status OdbcParamArrayImpl::SetDirection(short direction) {
 }
 
 Odbc::e_Status OdbcParamArrayImpl::appendIndicator(std::int32_t indicator) {
-  const std::uint32_t at = indicators_.Length();
-  if (indicators_.ExtendUnset(at + sizeof indicator) == at) return e_Error;
-  std::memcpy(indicators_.Data() + at, &indicator, sizeof indicator);
+  const auto* bytes = reinterpret_cast<const unsigned char*>(&indicator);
+  if (indicators_.Append(bytes, sizeof indicator) == 0) return e_Error;
   ++rows_;
   bound_ = false;
   return GetStatus(SQL_SUCCESS);

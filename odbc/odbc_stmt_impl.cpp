@@ -167,7 +167,8 @@ Odbc::e_Status OdbcStmtImpl::IncrementBatchSize() {
   if (batchMode_) {
     ++batchSize_;
     for (OdbcParamImpl* param : params_) {
-      if (param != nullptr) param->PadRows(batchSize_);
+      // In this mode all parameters are arrays.
+      if (param != nullptr) static_cast<OdbcParamArrayImpl*>(param)->PadRows(batchSize_);
     }
   }
   return GetStatus(SQL_SUCCESS);
