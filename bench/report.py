@@ -99,7 +99,7 @@ def gnuplot(script):
 def draw(path, title, unit, lines):
     what = "size of a" if "KiB" in unit else "nanoseconds a"
     script = (f"set terminal svg size 640,360\nset output '{path}'\nset logscale xy\n"
-              f"set xlabel '{title}'\nset ylabel '{what} {unit}'\nset grid\nset key bottom left\n"
+              f"set xlabel \"{title}\"\nset ylabel '{what} {unit}'\nset grid\nset key bottom left\n"
               "set yrange [*:*]\n")
     for at, points in enumerate(lines.values()):
         rows = "\n".join(f"{size} {cost}" for size, cost in points)

@@ -146,7 +146,7 @@ def database_figures(session, result):
         result.add(4, f"batch insert, {dsn}", writing["first-batch"], 1.03, "")
         # Safe transfer: the plain one has one length for all parameters, which no such row suits.
         writing = session.ratios(["plain-rows", "second-rows-safe"],
-                                 f"write {session.rows // 5} {INSERT}", dsn)
+                                 f"write {session.rows // 2} {INSERT}", dsn)
         result.add(5, f"row insert, safe, {dsn}", writing["second-rows-safe"], 1.05, "")
         subprocess.run(create, check=True)
         writer = session.contender("plain-batch", dsn)
