@@ -142,7 +142,8 @@ def database_figures(session, result):
         user, password = os.environ["ZEL_TEST_USER"], os.environ["ZEL_TEST_PASSWORD"]
         create = [str(session.bin / "bench_contender"), "create", dsn, user, password]
         subprocess.run(create, check=True)
-        writing = session.ratios(["plain-batch", "first-batch"], f"write {session.rows} {INSERT}", dsn)
+        writing = session.ratios(["plain-batch", "first-batch"],
+                                 f"write {session.rows} {INSERT}", dsn)
         result.add(4, f"batch insert, {dsn}", writing["first-batch"], 1.03, "")
         # Safe transfer: the plain one has one length for all parameters, which no such row suits.
         writing = session.ratios(["plain-rows", "second-rows-safe"],

@@ -88,7 +88,7 @@ class OdbcStatement final : public Statement {
   bool writeBigIntAsChar_;
   bool safeTransfer_;
   bool valueRefused_ = false;  // a parameter could not take its value in the last bindParameters
-  bool rowPending_ = false;  // values may have been bound that no row of the batch took
+  bool rowPending_ = false;    // values may have been bound that no row of the batch took
   std::unique_ptr<ODBC::OdbcStmt> stmt_;
   std::unique_ptr<OdbcResultSet> resultSet_;
 };

@@ -4,9 +4,9 @@
     count.py FILE [--update] -- [NAME=VALUE...] COMMAND [ARGUMENT...] [-- COMMAND ...]
 
 Each command is a program that dumps its counts through countInstructions (counted.h); NAME=VALUE
-is put into its environment. What is compared is the difference of a large and a small run, by unit. Ends with 1 when a count has grown
-by more than 3 % (and half an instruction), or when one that FILE holds is missing. --update
-writes FILE anew.
+is put into its environment. What is compared is the difference of a large and a small run, by
+unit. Ends with 1 when a count has grown by more than 3 % (and half an instruction), or when one
+that FILE holds is missing. --update writes FILE anew.
 """
 
 import itertools

@@ -31,7 +31,11 @@ namespace {
 constexpr int kConnections = 24;
 constexpr int kParts = 10;
 constexpr int kBatchesASession = 20;
+#ifdef __SANITIZE_THREAD__
+constexpr long kGrowthKilobytes = 1L << 20;  // the sanitizer remembers what it has seen
+#else
 constexpr long kGrowthKilobytes = 4096;
+#endif
 constexpr std::chrono::milliseconds kPause{20};
 
 std::atomic<long> liveHandles{0};
