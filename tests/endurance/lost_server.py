@@ -28,6 +28,9 @@ from proxy import Proxy
 SCRIPTS = pathlib.Path(__file__).parents[2] / "scripts"
 PARTS = 20
 COLUMNS = "batch integer not null, part integer not null, note varchar(60)"
+# Since MariaDB numbers the rows of a table without a key by itself, anew after a crash.
+KEY = "primary key (batch, part)"
+TWICE = "23"  # class of the SQLSTATEs of a key that is there already
 SUMS = "select batch, count(*), count(distinct part), min(part), max(part) from {} group by batch"
 PATIENCE = 60  # seconds until writing must go on after whatever happened
 
@@ -89,6 +92,8 @@ class Record:
         there = {int(row[0]): tuple(map(int, row[1:])) for row in sums}
         whole = (PARTS, PARTS, 0, PARTS - 1)
         known = self.batches["acknowledged"] | self.batches["doubtful"]
+        found += [f"{count} rows came twice" for state, count in self.states.items()
+                  if state.startswith(TWICE)]
         found += [f"batch {batch} is lost" for batch in self.batches["acknowledged"] - set(there)]
         found += [f"batch {batch} came from nowhere" for batch in set(there) - known]
         found += [f"batch {batch} is torn or twice: {sum}" for batch, sum in there.items()
@@ -170,7 +175,7 @@ class Trial:
     def prepare(self, client, port):
         for generation in (1, 2):
             for sql in (f"drop table if exists lost{generation}",
-                        f"create table lost{generation} ({COLUMNS})"):
+                        f"create table lost{generation} ({COLUMNS}, {KEY})"):
                 ask(client, sql, port)
 
     def run(self):
