@@ -4,14 +4,12 @@
 // tenth.
 
 #include <dlfcn.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 
 #include "host/driver.h"
+#include "tests/endurance/process_size.h"
 
 namespace {
 
@@ -35,20 +33,6 @@ bool loadOnce(const char* library) {
   return made;
 }
 
-long residentKilobytes() {
-  long total = 0;
-  long resident = 0;
-  if (std::FILE* const file = std::fopen("/proc/self/statm", "r")) {
-    if (std::fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
-    std::fclose(file);
-  }
-  return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
-long openFiles() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -59,12 +43,12 @@ int main(int argc, char** argv) {
   for (int round = 0; round < count; ++round) {
     if (!loadOnce(argv[1])) return 1;
     if (round == count / 10) {
-      resident = residentKilobytes();
-      files = openFiles();
+      resident = endurance::residentKilobytes();
+      files = endurance::openFiles();
     }
   }
-  const long grown = residentKilobytes() - resident;
+  const long grown = endurance::residentKilobytes() - resident;
   std::printf("%d loads, %ld kB resident, %+ld kB, %+ld files\n", count, resident, grown,
-              openFiles() - files);
-  return grown <= kGrowthKilobytes && openFiles() == files ? 0 : 1;
+              endurance::openFiles() - files);
+  return grown <= kGrowthKilobytes && endurance::openFiles() == files ? 0 : 1;
 }

@@ -6,7 +6,6 @@
 
 #include <dlfcn.h>
 #include <sqlext.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -14,8 +13,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 #include <map>
 #include <mutex>
 #include <string>
@@ -23,6 +20,7 @@
 #include <vector>
 
 #include "standin/property_data_service.h"
+#include "tests/endurance/process_size.h"
 #include "tests/endurance/session.h"
 #include "zeldb/plug_in.h"
 
@@ -70,16 +68,6 @@ std::string variable(const char* name) {
   return value != nullptr ? value : "";
 }
 
-long residentKilobytes() {
-  long total = 0;
-  long resident = 0;
-  if (std::FILE* const file = std::fopen("/proc/self/statm", "r")) {
-    if (std::fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
-    std::fclose(file);
-  }
-  return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
 // What must stay flat.
 struct Sample {
   long kilobytes;
@@ -88,9 +76,7 @@ struct Sample {
   long batches;
 
   static Sample take(long batches) {
-    return {residentKilobytes(),
-            std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}), liveHandles,
-            batches};
+    return {endurance::residentKilobytes(), endurance::openFiles(), liveHandles, batches};
   }
 };
 
