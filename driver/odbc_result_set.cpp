@@ -201,7 +201,7 @@ ResultCode OdbcResultSet::getData(const RowDescriptor& descriptor, Row*& row) {
     for (; i < planned; ++i, ++plan) {
       DataValue cell;
       const unsigned int type = descriptor.getColumnType(i);
-      if (!readPlanned(*plan, *column[i + 1], type, cell)) break;
+      if (!readPlanned(*plan, **++column, type, cell)) break;
       addColumn(*built, type, cell, plan->carriesBuffer);
     }
     for (; i < columns; ++i) {

@@ -80,9 +80,14 @@ class ByteStore {
     if (keepTail != 0 || newLength > length_ || data_ == nullptr) {
       return Trunc(newLength, keepTail, 0);
     }
-    length_ = newLength;  // all that cutting the tail off is
-    data_[newLength] = 0;
+    CutTail(newLength);
     return newLength;
+  }
+  // Shortens to the first `newLength` of the contents, which must have as many; there must be a
+  // block.
+  void CutTail(unsigned int newLength) {
+    length_ = newLength;
+    data_[newLength] = 0;
   }
 
   // Removes `count` bytes (fewer at the end) into `removed`, another store, unless that is null.

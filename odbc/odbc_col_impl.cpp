@@ -117,19 +117,6 @@ Odbc::e_Status OdbcColImpl::GetData(ByteStore* value) {
   return e_Ok;
 }
 
-Odbc::e_Status OdbcColImpl::readVarying() {
-  switch (plan_.read) {
-    case CellRead::kBigInt:
-      return readBigInt();
-    case CellRead::kLong:
-      return readLongData();
-    case CellRead::kFixed:
-    case CellRead::kNothing:
-      break;
-  }
-  return e_Ok;
-}
-
 Odbc::e_Status OdbcColImpl::readBigInt() {
   unsigned char* const text = text_.ReplaceUnset(plan_.bytes);
   if (text == nullptr) return e_Error;
@@ -146,7 +133,7 @@ Odbc::e_Status OdbcColImpl::readBigInt() {
       content_.buffer.Length() != sizeof(std::int64_t)) {
     return false;
   }
-  text_.Truncate(static_cast<std::uint32_t>(length), 0);
+  text_.CutTail(static_cast<std::uint32_t>(length));
   // Where the value belongs: a block of the allocator, aligned for everything.
   auto& value = *reinterpret_cast<std::int64_t*>(content_.buffer.Data());
   return DataTypes::readShortInteger(text_.Text(), text_.Length(), value);
@@ -188,7 +175,7 @@ Odbc::e_Status OdbcColImpl::readLongData() {
   if (room == nullptr) return failWithoutRecord();
   const SQLRETURN rc = getData(content_.cType, room, request);
   if (!LongDataRead::isWhole(rc, content_.indicator, request)) return readPieces(rc, request);
-  content_.buffer.Truncate(static_cast<std::uint32_t>(content_.indicator), 0);
+  content_.buffer.CutTail(static_cast<std::uint32_t>(content_.indicator));
   return GetStatus(SQL_SUCCESS);
 }
 

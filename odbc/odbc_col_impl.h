@@ -48,14 +48,19 @@ class OdbcColImpl final : public OdbcCell<OdbcCol> {
   // Inlined by force: it is all that most columns need.
   [[gnu::always_inline]] e_Status readFixed() {
     ByteStore& buffer = content_.buffer;
-    if (buffer.Length() != plan_.bytes) {
+    const std::uint32_t bytes = plan_.bytes;
+    if (buffer.Length() != bytes) {
       buffer.Truncate(0, 0);
-      if (buffer.Extend(plan_.bytes, 0) != plan_.bytes) return e_Error;
+      if (buffer.Extend(bytes, 0) != bytes) return e_Error;
     }
-    std::memset(buffer.Data(), 0, kLargestFixedBytes);  // the block has room for it
-    return statusFromOwner(getData(content_.cType, buffer.Data(), plan_.bytes));
+    unsigned char* const data = buffer.Data();
+    std::memset(data, 0, kLargestFixedBytes);  // the block has room for it
+    return statusFromOwner(getData(content_.cType, data, bytes));
   }
-  e_Status readVarying();
+  [[gnu::always_inline]] e_Status readVarying() {
+    if (plan_.read == CellRead::kLong) return readLongData();
+    return plan_.read == CellRead::kBigInt ? readBigInt() : e_Ok;
+  }
   // Reads and keeps a 64-bit integer that comes as text.
   e_Status readBigInt();
   bool keepUsualBigInt(SQLRETURN rc);
