@@ -28,8 +28,39 @@ const Answer kAnswers[] = {
 
 enum class Expected { kDone, kRefused, kEither };
 enum class Transfer { kAny, kPlain, kSafe };
-// Of calls of one function that follow each other: the columns of a row, the attributes of a batch.
-enum class Place { kAny, kLast, kNotLast };
+// Of calls of one function: of those that follow each other (the columns of a row, the attributes
+// of a batch) the last, or of all in an operation the final one, or one between first and final.
+enum class Place { kAny, kLast, kNotLast, kNotFinal, kMiddle };
+
+// Where a call stands among the calls of its function.
+struct Standing {
+  bool isLast;
+  bool isFirstOfAll;
+  bool isFinal;
+
+  bool is(Place place) const {
+    switch (place) {
+      case Place::kAny:
+        return true;
+      case Place::kLast:
+        return isLast;
+      case Place::kNotLast:
+        return !isLast;
+      case Place::kNotFinal:
+        return !isFinal;
+      case Place::kMiddle:
+        return !isFinal && !isFirstOfAll;
+    }
+    return false;
+  }
+};
+
+Standing standingOf(const Strings& calls, std::size_t at) {
+  const auto here = calls.begin() + static_cast<std::ptrdiff_t>(at);
+  const auto next = std::find(here + 1, calls.end(), *here);
+  const bool runGoesOn = next == here + 1 && next != calls.end();
+  return {!runGoesOn, std::find(calls.begin(), here, *here) == here, next == calls.end()};
+}
 
 // What an operation makes of one failing call. The first row that fits holds; without one, a
 // warning is none and everything else refuses the operation.
@@ -68,11 +99,16 @@ constexpr Rule kRules[] = {
     {"executeBatch", "SQLSetStmtAttr", kAnyCode, Expected::kDone, k1, Transfer::kAny,
      Place::kNotLast},
     // A table that could not be dropped is created all the same, and the database has its say.
-    {"createTable", "SQLAllocHandle", kAnyFailure, Expected::kEither},
-    {"createTable", "SQLPrepare", kAnyFailure, Expected::kEither},
-    {"createTable", "SQLNumParams", kAnyFailure, Expected::kEither},
-    {"createTable", "SQLExecute", kAnyFailure, Expected::kEither},
-    {"createTable", "SQLRowCount", kAnyFailure, Expected::kEither},
+    {"createTable", "SQLAllocHandle", kAnyFailure, Expected::kDone, k1, Transfer::kAny,
+     Place::kMiddle},
+    {"createTable", "SQLPrepare", kAnyFailure, Expected::kDone, k1, Transfer::kAny,
+     Place::kNotFinal},
+    {"createTable", "SQLNumParams", kAnyFailure, Expected::kDone, k1, Transfer::kAny,
+     Place::kNotFinal},
+    {"createTable", "SQLExecute", kAnyFailure, Expected::kDone, k1, Transfer::kAny,
+     Place::kNotFinal},
+    {"createTable", "SQLRowCount", kAnyFailure, Expected::kDone, k1, Transfer::kAny,
+     Place::kNotFinal},
     // "No data" is the end of rows, of results, and of an update that hits none. A list that ended
     // early may lack the column asked for.
     {"getNumColumns", "", SQL_NO_DATA, Expected::kRefused},
@@ -86,6 +122,10 @@ constexpr Rule kRules[] = {
     {"next", "", SQL_NO_DATA, Expected::kDone},
     {"get", "", SQL_NO_DATA, Expected::kDone},
     {"metadata", "", SQL_NO_DATA, Expected::kDone},
+    {"createTable", "SQLPrepare", SQL_NO_DATA, Expected::kRefused},
+    {"createTable", "SQLNumParams", SQL_NO_DATA, Expected::kRefused},
+    {"createTable", "SQLRowCount", SQL_NO_DATA, Expected::kRefused},
+    {"createTable", "SQLExecute", SQL_NO_DATA, Expected::kRefused, k1, Transfer::kPlain},
     {"createTable", "", SQL_NO_DATA, Expected::kDone},
     {"executeBatch", "SQLExecute", SQL_NO_DATA, Expected::kRefused},
     {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, k1, Transfer::kSafe},
@@ -119,21 +159,76 @@ constexpr Rule kRules[] = {
     {"", "", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2, Transfer::kPlain},
 };
 
-Expected expectedOf(const Operation& operation, bool safe, const std::string& function, bool isLast,
-                    SQLRETURN rc) {
+Expected expectedOf(const Operation& operation, bool safe, const std::string& function,
+                    const Standing& standing, SQLRETURN rc) {
   for (const Rule& rule : kRules) {
     const bool code = rule.rc == rc || rule.rc == kAnyCode ||
                       (rule.rc == kAnyFailure && rc != SQL_SUCCESS_WITH_INFO);
     const bool transfer =
         rule.transfer == Transfer::kAny || (rule.transfer == Transfer::kSafe) == safe;
-    const bool place = rule.place == Place::kAny || (rule.place == Place::kLast) == isLast;
-    if (code && transfer && place && rule.generation == operation.generation &&
+    if (code && transfer && standing.is(rule.place) && rule.generation == operation.generation &&
         std::string_view(operation.name).starts_with(rule.operations) &&
         (rule.function.empty() || rule.function == function)) {
       return rule.expected;
     }
   }
   return rc == SQL_SUCCESS_WITH_INFO ? Expected::kDone : Expected::kRefused;
+}
+
+// Under which keys the first generation logs a failing call.
+struct KeyRule {
+  std::string_view operations;  // as in a Rule
+  std::string_view function;
+  std::uint64_t keys;  // one of these, as in World::keysLogged
+  bool evenIfDone = false;
+  Place place = Place::kAny;
+};
+
+// The key 8010NN.
+constexpr std::uint64_t key(int number) {
+  return std::uint64_t{1} << number;
+}
+
+constexpr KeyRule kKeys[] = {
+    {"", "SQLFreeStmt", key(15), true},
+    {"open", "", key(0)},
+    {"commit", "", key(2)},
+    {"rollback", "", key(3)},
+    {"clearBatch", "", key(19), true},
+    {"executeBatch", "", key(21)},
+    {"execute", "SQLExecute", key(16)},
+    {"execute", "SQLBindParameter", key(16)},
+    {"execute", "SQLRowCount", key(16)},
+    {"execute", "", key(4)},
+    {"createBatch", "", key(4)},
+    // The catalogue is asked whether there is a table to be dropped; dropping may fail.
+    {"createTable", "SQLExecute", key(16), true},
+    {"createTable", "SQLRowCount", key(16), true},
+    {"createTable", "SQLAllocHandle", key(4) | key(5), true},
+    {"createTable", "SQLPrepare", key(4), true},
+    {"createTable", "SQLNumParams", key(4), true},
+    {"createTable", "", key(5)},
+    {"nextResultSet", "", key(18)},
+    {"next", "", key(12)},
+    {"getNumColumns", "", key(7)},
+    {"getColumnInfo", "", key(8), false, Place::kNotLast},
+    {"getColumnInfo", "", key(9), false, Place::kLast},
+    {"getSchemaNames", "", key(5)},
+    {"getTableNames", "", key(5)},
+    {"metadata getSchemaNames", "", key(5)},
+    {"metadata getTableNames", "", key(5)},
+    {"getTable", "", key(6)},
+    {"metadata getTable", "", key(6)},
+};
+
+const KeyRule* keyRuleOf(const Operation& operation, const std::string& function,
+                         const Standing& standing) {
+  const auto fits = [&](const KeyRule& rule) {
+    return std::string_view(operation.name).starts_with(rule.operations) &&
+           (rule.function.empty() || rule.function == function) && standing.is(rule.place);
+  };
+  const auto* const rule = std::find_if(std::begin(kKeys), std::end(kKeys), fits);
+  return rule == std::end(kKeys) ? nullptr : rule;
 }
 
 // An operation in a world of its own, from its preparation to the end of everything.
@@ -143,6 +238,7 @@ class Trial {
       : check_(check), operation_(operation), world_(safe) {
     operation.prepare(world_);
     linesBefore_ = world_.logLines;
+    world_.keysLogged = 0;
   }
 
   World& world() { return world_; }
@@ -166,6 +262,16 @@ class Trial {
       }
     } else if (!answer.logged.empty() && !world_.diagnosticLogged) {
       check_.found(what + ": does not log the diagnostic");
+    }
+  }
+
+  // A single fault is logged under no key but its own; one that does no harm, not at all.
+  void expectKey(Outcome outcome, const Standing& standing, const std::string& what) {
+    if (operation_.generation != Generation::kFirst) return;
+    const KeyRule* const rule = keyRuleOf(operation_, faulted_, standing);
+    const bool isTold = rule != nullptr && (outcome == Outcome::kRefused || rule->evenIfDone);
+    if ((world_.keysLogged & ~(isTold ? rule->keys : 0)) != 0) {
+      check_.found(what + ": logs under another key");
     }
   }
 
@@ -236,8 +342,8 @@ Strings callsOf(Check& check, const Operation& operation, bool safe) {
   return calls;
 }
 
-void tryFault(Check& check, const Operation& operation, bool safe, int call, bool isLast,
-              const Answer& answer, bool fromThenOn) {
+void tryFault(Check& check, const Operation& operation, bool safe, int call,
+              const Standing& standing, const Answer& answer, bool fromThenOn) {
   Trial trial(check, operation, safe);
   trial.world().odbc.fail("", call, answer, fromThenOn);
   const Outcome outcome = trial.run();
@@ -245,10 +351,11 @@ void tryFault(Check& check, const Operation& operation, bool safe, int call, boo
                            (fromThenOn ? " from then on" : "") + " (" + trial.faulted() + ")";
   if (trial.faulted().empty()) check.found(what + ": the call was not made");
   if (!fromThenOn) {
-    const Expected expected = expectedOf(operation, safe, trial.faulted(), isLast, answer.rc);
+    const Expected expected = expectedOf(operation, safe, trial.faulted(), standing, answer.rc);
     if (expected == Expected::kDone && outcome != Outcome::kDone) check.found(what + ": refused");
     if (expected == Expected::kRefused && outcome == Outcome::kDone) check.found(what + ": done");
     if (expected == Expected::kRefused) trial.expectReason(answer, what);
+    trial.expectKey(outcome, standing, what);
   }
   trial.expectSound(outcome, what);
 }
@@ -261,10 +368,10 @@ bool checkFaults(const Options&) {
     for (const bool safe : {false, true}) {
       const Strings calls = callsOf(check, operation, safe);
       for (std::size_t i = 0; i < calls.size(); ++i) {
-        const bool isLast = i + 1 == calls.size() || calls[i + 1] != calls[i];
+        const Standing standing = standingOf(calls, i);
         for (const Answer& answer : kAnswers) {
           for (const bool fromThenOn : {false, true}) {
-            tryFault(check, operation, safe, static_cast<int>(i) + 1, isLast, answer, fromThenOn);
+            tryFault(check, operation, safe, static_cast<int>(i) + 1, standing, answer, fromThenOn);
           }
         }
       }

@@ -144,6 +144,7 @@ World::World(bool safeTransfer)
   // Counts without keeping anything, so that a check of allocations sees none of its own.
   previousSink = KORVEX::Zel::installLogSink([this](const auto& message) {
     ++logLines;
+    keysLogged |= std::uint64_t{1} << ((message.key[4] - '0') * 10 + message.key[5] - '0');
     for (const std::string_view part : {message.text1, message.text2}) {
       diagnosticLogged |= part.find(kDiagnostic) != part.npos;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -82,6 +83,7 @@ struct World {
 
   std::uint64_t logLines = 0;     // since the world was made
   bool diagnosticLogged = false;  // in any of them
+  std::uint64_t keysLogged = 0;   // bit NN for a key 8010NN
   KORVEX::Zel::LogSink previousSink;
 
   // Results.
