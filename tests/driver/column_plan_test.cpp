@@ -5,6 +5,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -80,29 +81,66 @@ TEST(ColumnPlan, ReadsBytesOfEveryKindAsTheGeneralReadersDo) {
   }
 }
 
-TEST(ColumnPlan, ReadsTimestampsAsTheGeneralReadersDo) {
-  constexpr int kRounds = 300'000;
+// Of all times, the likely ones in most rounds; a field, the year or the fraction at an edge.
+TIMESTAMP_STRUCT randomTimestamp(std::mt19937& random, int round) {
   constexpr SQLSMALLINT kYears[] = {-32768, -1, 0, 1, 1969, 1970, 2000, 2100, 9999, 10000, 32767};
   constexpr SQLUSMALLINT kFields[] = {0, 1, 2, 12, 13, 23, 24, 28, 31, 32, 59, 60, 61, 62, 65535};
   constexpr SQLUINTEGER kFractions[] = {0, 1, 999, 1000, 999'999'999, 1'000'000'000, 4294967295U};
-  std::mt19937 random(2);
   const auto oneOf = [&](const auto& values) { return values[random() % std::size(values)]; };
+  TIMESTAMP_STRUCT t = {static_cast<SQLSMALLINT>(1960 + random() % 300),
+                        static_cast<SQLUSMALLINT>(1 + random() % 12),
+                        static_cast<SQLUSMALLINT>(1 + random() % 31),
+                        static_cast<SQLUSMALLINT>(random() % 24),
+                        static_cast<SQLUSMALLINT>(random() % 60),
+                        static_cast<SQLUSMALLINT>(random() % 60),
+                        static_cast<SQLUINTEGER>(random() % 1'000'000'000)};
+  SQLUSMALLINT* const fields[] = {&t.month, &t.day, &t.hour, &t.minute, &t.second};
+  if (round % 2 != 0) *oneOf(fields) = oneOf(kFields);
+  if (round % 3 == 0) t.year = oneOf(kYears);
+  if (round % 5 == 0) t.fraction = oneOf(kFractions);
+  return t;
+}
+
+constexpr unsigned kTimestampTypes[] = {DataTypes::kDate, DataTypes::kTimestamp,
+                                        DataTypes::kBigDateTime};
+constexpr int kRounds = 300'000;
+
+TEST(ColumnPlan, ReadsTimestampsAsTheGeneralReadersDo) {
+  std::mt19937 random(2);
   for (int round = 0; round < kRounds; ++round) {
-    TIMESTAMP_STRUCT t = {static_cast<SQLSMALLINT>(1960 + random() % 300),
-                          static_cast<SQLUSMALLINT>(1 + random() % 12),
-                          static_cast<SQLUSMALLINT>(1 + random() % 31),
-                          static_cast<SQLUSMALLINT>(random() % 24),
-                          static_cast<SQLUSMALLINT>(random() % 60),
-                          static_cast<SQLUSMALLINT>(random() % 60),
-                          static_cast<SQLUINTEGER>(random() % 1'000'000'000)};
-    SQLUSMALLINT* const fields[] = {&t.month, &t.day, &t.hour, &t.minute, &t.second};
-    if (round % 2 != 0) *oneOf(fields) = oneOf(kFields);
-    if (round % 3 == 0) t.year = oneOf(kYears);
-    if (round % 5 == 0) t.fraction = oneOf(kFractions);
+    const TIMESTAMP_STRUCT t = randomTimestamp(random, round);
     const CellContent column = contentOf(SQL_C_TYPE_TIMESTAMP, &t, sizeof t);
-    const unsigned types[] = {DataTypes::kDate, DataTypes::kTimestamp, DataTypes::kBigDateTime};
-    expectAlike(column, oneOf(types), round % 2 == 0);
+    expectAlike(column, kTimestampTypes[random() % std::size(kTimestampTypes)], round % 2 == 0);
     if (HasFatalFailure()) return;
+  }
+}
+
+// A timestamp is computed from its fields; what it stands for is what its text says.
+TEST(ColumnPlan, ReadsTimestampsAsTheirTextIsRead) {
+  constexpr char kPicture[] = "%Y-%m-%dT%H:%M:%S";
+  constexpr int kFractionDigits[] = {0, 3, 6};  // of kTimestampTypes
+  std::mt19937 random(3);
+  for (int round = 0; round < kRounds; ++round) {
+    const TIMESTAMP_STRUCT t = randomTimestamp(random, round);
+    const std::size_t kind = random() % std::size(kTimestampTypes);
+    if (t.fraction >= 1'000'000'000) continue;
+    char text[80];
+    const int length = std::snprintf(
+        text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%09u", int{t.year}, int{t.month},
+        int{t.day}, int{t.hour}, int{t.minute}, int{t.second}, static_cast<unsigned>(t.fraction));
+    const int digits = kFractionDigits[kind];
+    text[length - 9 + (digits != 0 ? digits : -1)] = '\0';
+    const char* message = nullptr;
+    DataValue expected;
+    const bool isTime = DataTypes::convertFromString(kTimestampTypes[kind], text, expected, message,
+                                                     kPicture, kPicture, kPicture, nullptr);
+    const CellContent column = contentOf(SQL_C_TYPE_TIMESTAMP, &t, sizeof t);
+    DataValue actual;
+    const ReadResult result =
+        findColumnReader(kTimestampTypes[kind], false)(column, kTimestampTypes[kind], actual);
+    ASSERT_EQ(result.outcome == ReadResult::kValue, isTime) << text;
+    if (!isTime) continue;
+    ASSERT_EQ(actual.int64, expected.int64) << text;
   }
 }
 
