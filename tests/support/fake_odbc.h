@@ -187,6 +187,8 @@ class FakeOdbc {
     faults_.push_back({function, calls(function) + call, std::move(answer), fromThenOn});
   }
 
+  void forgetFaults() { faults_.clear(); }
+
   // Records.
   bool logging = true;
   // One line a call: "SQLBindParameter(1,1,-16,4,10,0,ptr,24,ptr)". Handles are left out, texts are

@@ -280,7 +280,7 @@ class Trial {
   void expectSound(Outcome outcome, const std::string& what) {
     if (outcome == Outcome::kImpossible) check_.found(what + ": an impossible result");
     if (outcome == Outcome::kRefused) expectTold(what);
-    forgetFaults();
+    world_.odbc.forgetFaults();
     expectNothingLeft(check_, world_, operation_.name, what);
     for (const std::string& misuse : world_.odbc.misuses) {
       if (!isKept(misuse)) check_.found(what + ": " + misuse);
@@ -297,12 +297,6 @@ class Trial {
     if (second && !world_.safe && is("on no live stmt")) return true;
     // A handle that could not be made is asked why, and one that cannot be disconnected is freed.
     return is("SQLGetDiagRec on no live") || is("freed a dbc that is connected");
-  }
-
-  void forgetFaults() {
-    Strings misuses = std::move(world_.odbc.misuses);
-    script(world_.odbc);
-    world_.odbc.misuses = std::move(misuses);
   }
 
   void expectTold(const std::string& what) {

@@ -140,7 +140,7 @@ class Program {
       if (faulty) breakSomething();
       judge(operation, step, operation.run(world_), faulty);
     }
-    script(world_.odbc);
+    world_.odbc.forgetFaults();
     world_.close();
     Strings left = world_.odbc.liveHandles();
     std::erase(left, "env");

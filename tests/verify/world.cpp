@@ -1,5 +1,7 @@
 #include "tests/verify/world.h"
 
+#include <map>
+
 #include "standin/property_data_service.h"
 
 namespace verify {
@@ -53,8 +55,10 @@ fake::Result texts(std::vector<const char*> columnNames,
   return result;
 }
 
-void scriptCatalogue(fake::FakeOdbc& odbc) {
-  odbc.results["SQLTables"] = {
+using Results = std::map<std::string, std::vector<fake::Result>>;
+
+void addCatalogue(Results& results) {
+  results["SQLTables"] = {
       texts({"TABLE_CAT", "TABLE_SCHEM", "TABLE_NAME", "TABLE_TYPE", "REMARKS"},
             {{{}, "schema", kTable, "TABLE", {}}, {{}, "schema", "other", "VIEW", {}}})};
   fake::Result columns = texts({"TABLE_CAT", "TABLE_SCHEM", "TABLE_NAME", "COLUMN_NAME"}, {});
@@ -87,9 +91,26 @@ void scriptCatalogue(fake::FakeOdbc& odbc) {
                    number(0),
                    number(10),
                    number(1)}};
-  odbc.results["SQLColumns"] = {columns};
-  odbc.results["SQLPrimaryKeys"] = {texts({"TABLE_CAT", "TABLE_SCHEM", "TABLE_NAME", "COLUMN_NAME"},
-                                          {{{}, "schema", kTable, "id"}})};
+  results["SQLColumns"] = {columns};
+  results["SQLPrimaryKeys"] = {texts({"TABLE_CAT", "TABLE_SCHEM", "TABLE_NAME", "COLUMN_NAME"},
+                                     {{{}, "schema", kTable, "id"}})};
+}
+
+Results makeResults() {
+  Results results;
+  addCatalogue(results);
+  fake::Result rows;
+  rows.rows = {{}};
+  rows.repeat = 3;
+  for (const QueryColumn& column : queryColumns()) {
+    rows.columns.push_back(column.column);
+    rows.rows.front().push_back(column.cell);
+  }
+  results[kQuery2] = {rows, rows};
+  // The first generation asks for 64-bit integers as text.
+  rows.rows.front()[kLongColumn] = "1099511627776";
+  results[kQuery] = {rows, rows};
+  return results;
 }
 
 Parameter parameter(unsigned int type) {
@@ -101,22 +122,12 @@ Parameter parameter(unsigned int type) {
 }  // namespace
 
 void script(fake::FakeOdbc& odbc) {
+  static const Results results = makeResults();
   odbc.reset();
   odbc.logging = false;
-  fake::Result rows;
-  std::vector<fake::Cell> row;
-  for (const QueryColumn& column : queryColumns()) {
-    rows.columns.push_back(column.column);
-    row.push_back(column.cell);
-  }
-  rows.rows = {row, row, row};
-  odbc.results[kQuery2] = {rows, rows};
-  // The first generation asks for 64-bit integers as text.
-  for (auto& cells : rows.rows) cells[kLongColumn] = "1099511627776";
-  odbc.results[kQuery] = {rows, rows};
+  odbc.results = results;
   for (const char* query : {kQuery, kQuery2}) odbc.params[query] = {{SQL_INTEGER, 10}};
   odbc.params[kInsert] = {{SQL_INTEGER, 10}, {SQL_VARCHAR, 50}};
-  scriptCatalogue(odbc);
 }
 
 World::World(bool safeTransfer)
