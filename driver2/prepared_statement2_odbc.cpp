@@ -31,7 +31,7 @@ PreparedStatement2Odbc::~PreparedStatement2Odbc() {
   for (void* buffer : columnBuffers_) std::free(buffer);
 }
 
-int PreparedStatement2Odbc::check(SQLRETURN rc, DBError* error) const {
+int PreparedStatement2Odbc::checkUnusual(SQLRETURN rc, DBError* error) const {
   return policy_.succeeded(rc) ? 0 : failOdbc(error, SQL_HANDLE_STMT, stmt_, rc);
 }
 

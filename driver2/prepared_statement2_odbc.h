@@ -103,7 +103,11 @@ class PreparedStatement2Odbc final : public PreparedStatement {
     bool isNull = false;
   };
 
-  int check(SQLRETURN rc, DBError* error) const;
+  // 0 for what the policy takes for success; everything else, with the driver's record, is -1.
+  int check(SQLRETURN rc, DBError* error) const {
+    return rc == SQL_SUCCESS ? 0 : checkUnusual(rc, error);
+  }
+  int checkUnusual(SQLRETURN rc, DBError* error) const;
   int describeParameters(DBError* error);
   int describeColumn(SQLUSMALLINT number, std::vector<SQLCHAR>& name, DBError* error);
   int describeColumns(std::size_t count, DBError* error);
