@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "datatypes/data_types.h"
+#include "datatypes/large_pages.h"
 #include "datatypes/short_number.h"
 #include "driver/column_number.h"
 #include "driver/date_time_column.h"
@@ -41,6 +42,7 @@ bool comesAsBytes(const CellContent& column) {
 char* copyBytes(std::string_view bytes) {
   char* copy = static_cast<char*>(std::malloc(bytes.size() + 1));
   if (copy == nullptr) return nullptr;
+  DataTypes::preferLargePages(copy, bytes.size());
   std::memcpy(copy, bytes.data(), bytes.size());
   copy[bytes.size()] = '\0';
   return copy;
@@ -217,6 +219,7 @@ ReadResult readText(const CellContent& column, unsigned int, DataValue& cell) {
   const std::size_t bytes = std::size_t{column.buffer.Length()} + 1;
   void* copy = std::malloc(bytes);
   if (copy == nullptr) return kOutOfMemory;
+  DataTypes::preferLargePages(copy, bytes);
   cell.string = static_cast<const char*>(std::memcpy(copy, text, bytes));
   return {ReadResult::kValue};
 }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "datatypes/data_types.h"
+#include "datatypes/large_pages.h"
 #include "datatypes/short_number.h"
 #include "driver2/boundary.h"
 #include "driver2/db_error2_odbc.h"
@@ -162,6 +163,7 @@ int PreparedStatement2Odbc::getDataColumn<SQL_C_CHAR>(std::size_t column, void* 
     if (reported <= kFirstBytes || reported >= INT_MAX) return check(rc, error);
     if (!growBlock(text, static_cast<std::size_t>(reported) + 1))
       return failAccess(error, kNoMemory);
+    DataTypes::preferLargePages(text.get(), static_cast<std::size_t>(reported));
     text.get()[reported] = 0;
     unsigned char* rest = text.get() + kFirstBytes - 1;  // over the first piece's terminator
     rc = getData(column, SQL_C_CHAR, rest, reported - (kFirstBytes - 2), glen);
@@ -189,6 +191,7 @@ int PreparedStatement2Odbc::getDataColumn<SQL_C_BINARY>(std::size_t column, void
     if (!growBlock(packed, static_cast<std::size_t>(reported) + kPackedLengthBytes)) {
       return failAccess(error, kNoMemory);
     }
+    DataTypes::preferLargePages(packed.get(), static_cast<std::size_t>(reported));
     rc = getData(column, SQL_C_BINARY, packed.get() + kBlockBytes, reported - kFirstBytes, glen);
     if (rc != SQL_SUCCESS) return check(rc, error);
   } else if (reported > kFirstBytes || (reported < 0 && reported != SQL_NULL_DATA)) {

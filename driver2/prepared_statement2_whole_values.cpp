@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 
+#include "datatypes/large_pages.h"
 #include "driver2/db_error2_odbc.h"
 #include "driver2/malloc_block.h"
 #include "driver2/packed_binary.h"
@@ -54,6 +55,7 @@ int PreparedStatement2Odbc::readWhole(std::size_t column, SQLSMALLINT cType, std
     capacity = std::max(capacity * 2,
                         headBytes + value.bytes + std::min<std::size_t>(missing, INT_MAX) + 1);
     if (!growBlock(value.block, capacity + 1)) break;
+    if (missing != 0) DataTypes::preferLargePages(value.block.get(), capacity);
   }
   return failAccess(error, "memory allocation");
 }

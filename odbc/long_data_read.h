@@ -8,6 +8,7 @@
 #include <cstring>
 #include <limits>
 
+#include "datatypes/large_pages.h"
 #include "odbc/byte_store.h"
 
 namespace KORVEX::Zel::DB::ODBC {
@@ -31,6 +32,8 @@ class LongDataRead {
     if (end > kMaxBytes) return false;
     // Unset: the driver writes these bytes, or they are cut off.
     if (buffer.ExtendUnset(static_cast<std::uint32_t>(end)) < end) return false;
+    // A large piece is the whole rest.
+    DataTypes::preferLargePages(buffer.Data() + offset, static_cast<std::size_t>(request));
     clearEnd(buffer.Data() + end);
     return true;
   }
