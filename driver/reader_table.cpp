@@ -219,7 +219,7 @@ ReadResult readText(const CellContent& column, unsigned int, DataValue& cell) {
   const std::size_t bytes = std::size_t{column.buffer.Length()} + 1;
   void* copy = std::malloc(bytes);
   if (copy == nullptr) return kOutOfMemory;
-  DataTypes::preferLargePages(copy, bytes);
+  copy = DataTypes::preferLargePages(copy, bytes);
   cell.string = static_cast<const char*>(std::memcpy(copy, text, bytes));
   return {ReadResult::kValue};
 }
