@@ -26,8 +26,9 @@ HOW = """
 - Figures 3 to 5 run over SQLite, PostgreSQL and MariaDB on loopback, as `scripts/databases` sets
   them up: PostgreSQL with `BoolsAsChar=0` and server-side prepare, without fsync; MariaDB with
   `innodb-flush-log-at-trx-commit=0`; driver manager threading level as installed.
-- Contenders are processes over connections of their own and take turns in many short rounds; a
-  figure is the median of the ratios within a round, the quartiles in brackets.
+- Contenders are processes over connections of their own on one processor, servers run on another.
+  They take turns in many short rounds, and make way for new processes a few times; a figure is the
+  median of the ratios within a round, the quartiles in brackets.
 - The allocator is the server's (tcmalloc), for all contenders alike, but where the C library's is
   named.
 - The growth of a byte's cost (figure 6) is judged beside the floor's own, which stands in the

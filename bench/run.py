@@ -25,6 +25,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 KINDS = "ibdstaf"
 TABLE = "bench_rows"
 INSERT = f"insert into {TABLE} values (?,?,?,?,?,?,?)"
+PROCESSES = 5  # one after the other: how memory lies is a matter of luck for each
 DATABASES = ("SQLITE", "POSTGRESQL", "MARIADB")
 SERVERS_ALLOCATOR = {"LD_PRELOAD": "libtcmalloc_minimal.so.4"}
 # What a figure's name says besides, and the environment.
@@ -82,25 +83,32 @@ class Session:
         return Contender(command + [dsn, user, password],
                          {**SERVERS_ALLOCATOR, **stub, **(environment or {})})
 
-    def ratios(self, names, line, dsn="Stub", rounds=None, environment=None):
-        """{name: (median, lower, upper quartile)} of the ratios to the first contender's time."""
+    def start(self, names, line, dsn, environment):
+        """The contenders by name, warm; a peer that cannot do it is left out."""
         contenders = {}
         for name in names:
             try:
                 contender = self.contender(name, dsn, environment)
-                contender.ask(line)  # warms up; a peer that cannot do it is left out
+                contender.ask(line)
                 contenders[name] = contender
             except RuntimeError as failure:
                 print(f"  left out: {failure}", file=sys.stderr)
-        floor = names[0]
-        found = {name: [] for name in contenders}
-        for turn in range(rounds or self.rounds):
-            order = list(contenders)[::1 if turn % 2 else -1]
-            times = {name: contenders[name].ask(line) for name in order}
-            for name, time in times.items():
-                found[name].append(time / times[floor])
-        for contender in contenders.values():
-            contender.close()
+        return contenders
+
+    def ratios(self, names, line, dsn="Stub", rounds=None, environment=None):
+        """{name: (median, lower, upper quartile)} of the ratios to the first contender's time."""
+        found = {name: [] for name in names}
+        for _ in range(PROCESSES):
+            contenders = self.start([name for name in names if name in found], line, dsn,
+                                    environment)
+            found = {name: found[name] for name in contenders}
+            for turn in range(max(1, (rounds or self.rounds) // PROCESSES)):
+                order = list(contenders)[::1 if turn % 2 else -1]
+                times = {name: contenders[name].ask(line) for name in order}
+                for name, time in times.items():
+                    found[name].append(time / times[names[0]])
+            for contender in contenders.values():
+                contender.close()
         return {name: (statistics.median(values), *statistics.quantiles(values, n=4)[::2])
                 for name, values in found.items()}
 
