@@ -66,6 +66,8 @@ TEST(Cast, Values) {
       {kDecimal52, kInt16, "7", "7"}, {kDecimal380, kLong, "9223372036854775808", "refused"},
       {kDecimal380, kLong, "-9223372036854775808", "-9223372036854775808"},
       {kDecimal380, createFixedDecimal(38, 1), "99999999999999999999999999999999999999", "refused"},
+      // times 10^5 it is 2^128 and a little
+      {kDecimal380, createFixedDecimal(38, 5), "3402823669209384634633746074317683", "refused"},
       {kLong, kFixedDecimal, "1", "refused"}, {kDecimal52, kFloat, "123.45", "123.450000"},
       {kLong, kFloat, "9007199254740993", "9007199254740992.000000"}, {kFloat, kInteger, "3", "3"},
       {kFloat, kInteger, "3.5", "refused"}, {kFloat, kLong, "9223372036854775807", "refused"},

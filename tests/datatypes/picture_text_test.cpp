@@ -141,6 +141,7 @@ TEST(PictureRead, Accepted) {
       {"2010-01-02 .5", "YYYY-MM-DD .FF", true, kDay + 500},
       {"1262401445", "SE", true, 1262401445000},
       {"-1", "SE", true, -1000},
+      {"00000000001262401445", "SE", true, 1262401445000},
       {"1262401445678", "MS", true, kTime},
       {"1262401445678.9", "MS.FF", true, kTime + 1000},
       {"-1500", "MS", true, -1000},
@@ -174,7 +175,7 @@ TEST(PictureRead, Refused) {
       {"am", "AM"}, {"AM", "Am"}, {"january", "MONTH"}, {"01 JAN", "MM MON"}, {"SUN", "Dy"},
       {"2010 5", "YYYY SE"}, {"5 2010", "SE YYYY"}, {"5 6", "SE MS"}, {"5 6", "MIC SE"},
       {"5 6", "MS MIC"}, {"5 6", "MIC MIC"}, {"9223372036854775808", "MS"},
-      {"-9223372036854775809", "MIC"}, {"9223372036854776", "SE"}, {"9223372036854775807", "SE"},
+      {"-9223372036854775809", "MIC"}, {"9223372036854776", "SE"}, {"000000000000000000005", "SE"}, {"9223372036854775807", "SE"},
       {"-", "SE"}, {"-", "MIC"}, {"--5", "SE"},
       {"2010-01-02 Mars/Phobos", "YYYY-MM-DD TZD"}, {"+01 +02", "TZH TZH"}, {"x", "TZH"},
       {"2010-1-02", "FXYYYY-MM-DD"}, {"2010/01", "FXYYYY-MM"}, {"2010 ", "FXYYYY"},
@@ -201,6 +202,8 @@ TEST(PictureRead, YearsWithoutCentury) {
               {"05", "YY", year / 100 * 100 + 5},
               {"005", "YYY", year / 1000 * 1000 + 5},
               {"60", "RR", isSecondHalf ? year / 100 * 100 + 60 : year / 100 * 100 - 40},
+              {"50", "RR", isSecondHalf ? year / 100 * 100 + 50 : year / 100 * 100 - 50},
+              {"49", "RR", isSecondHalf ? year + (year / 100 + 1) * 100 : year / 100 * 100 + 49},
               {"05", "RR", isSecondHalf ? year + (year / 100 + 1) * 100 : year / 100 * 100 + 5}};
   for (const auto& row : rows) {
     long read = 0;
