@@ -14,7 +14,8 @@ inline constexpr std::size_t kLargePageBytes = std::size_t{2} << 20;
   const auto begin = reinterpret_cast<std::uintptr_t>(memory);
   const std::uintptr_t first = (begin + kLargePageBytes - 1) / kLargePageBytes * kLargePageBytes;
   const std::uintptr_t last = (begin + bytes) / kLargePageBytes * kLargePageBytes;
-  if (first < last) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+  auto* const pages = static_cast<char*>(memory) + (first - begin);
+  if (first < last) madvise(pages, last - first, MADV_HUGEPAGE);
   return memory;
 }
 

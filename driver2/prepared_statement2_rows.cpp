@@ -233,7 +233,8 @@ int PreparedStatement2Odbc::nextCount(int& /*count*/, DBError* error) {
 int PreparedStatement2Odbc::fetchBytesIntoCell(std::size_t column, DataValue& cell, int& length,
                                                DBError* error) {
   unsigned char* packed = nullptr;
-  if ((this->*plans_[column].routine)(column, &packed, length, error) != 0) return -1;
+  const FetchRoutine routine = plans_[column].routine;
+  if ((this->*routine)(column, static_cast<void*>(&packed), length, error) != 0) return -1;
   if (length == SQL_NULL_DATA) return 0;
   const MallocBlock owner(packed);
   const std::size_t bytes = static_cast<std::size_t>(length) - kPackedLengthBytes;

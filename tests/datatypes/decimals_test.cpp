@@ -121,10 +121,11 @@ TEST(FixedDecimal, FromNumbers) {
     bool isOk;
     long coefficient;
   } rows[] = {
-      {10, 2, 0.0000009, true, 0}, {10, 6, 0.000001, true, 1},  {10, 2, 1.005, true, 100},
-      {10, 2, 2.675, true, 267},   {10, 2, -1.5, true, -150},   {10, 0, 2.5, true, 2},
-      {10, 0, 3.5, true, 4},       {3, 2, 9.999, false, 0},     {38, 0, 1e81, false, 0},
-      {38, 0, NAN, false, 0},      {38, 0, INFINITY, false, 0}, {38, 0, 1e70, false, 0},
+      {10, 2, 0.0000009, true, 0}, {10, 6, 0.000001, true, 1}, {10, 8, 5e-7, true, 0},
+      {10, 2, 1.005, true, 100},   {10, 2, 2.675, true, 267},  {10, 2, -1.5, true, -150},
+      {10, 0, 2.5, true, 2},       {10, 0, 3.5, true, 4},      {3, 2, 9.999, false, 0},
+      {38, 0, 1e81, false, 0},     {38, 0, NAN, false, 0},     {38, 0, INFINITY, false, 0},
+      {38, 0, 1e70, false, 0},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(value.setDecimalValue(row.precision, row.scale, row.number), row.isOk) << row.number;
@@ -226,6 +227,7 @@ TEST(Decimals, WholeNumbers) {
   } rows[] = {
       {12345, 2, true, 123, true, 123},
       {-12399, 2, true, -123, true, -123},
+      {-129, 1, true, -12, true, -12},
       {2147483648, 0, true, 2147483648, true, INT_MIN},
       {-2147483649, 0, true, -2147483649, true, INT_MAX},
       {4294967296, 0, true, 4294967296, false, 0},

@@ -67,6 +67,7 @@ TEST(TimeUnit, MicroSeconds) {
               {MICROSECOND, true, LONG_MIN, LONG_MIN},
               {MICROSECOND, true, LONG_MAX, LONG_MAX},
               {MILLISECOND, true, -5, -5000},
+              {SECOND, true, -1, -1000000},
               {HOUR, true, 2, 7200000000},
               {NONE, false, 1, 77},
               {INVALID, false, 1, 77}};
@@ -150,7 +151,8 @@ TEST(Strptime, Conversions) {
       {"20 10", "%C %y", {3910, 1, 1}, ""}, {"31 12 7", "%Od %Om %EY", {7, 12, 31}, ""},
       {"00031", "%d", {1970, 1, 31}, ""}, {"045", "%d", {1970, 1, 4}, "5"},
       {"312", "%d", {1970, 1, 31}, "2"}, {"60", "%M", {1970, 1, 1, 0, 6}, "0"},
-      {"99990", "%Y", {9999, 1, 1}, "0"}, {"105", "%y", {2010, 1, 1}, "5"}, {"23 9", "%k %e", {1970, 1, 9, 23}, ""},
+      {"99990", "%Y", {9999, 1, 1}, "0"},
+      {"105", "%y", {2010, 1, 1}, "5"}, {"23 9", "%k %e", {1970, 1, 9, 23}, ""},
       // clang-format on
   };
   for (const auto& row : rows) {

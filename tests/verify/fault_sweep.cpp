@@ -283,7 +283,7 @@ class Trial {
     world_.odbc.forgetFaults();
     expectNothingLeft(check_, world_, operation_.name, what);
     for (const std::string& misuse : world_.odbc.misuses) {
-      if (!isKept(misuse)) check_.found(what + ": " + misuse);
+      if (!isKept(misuse)) check_.found(std::string(what).append(": ").append(misuse));
     }
   }
 

@@ -45,7 +45,7 @@ std::vector<unsigned int> queryTypes() {
   return types;
 }
 
-fake::Result texts(std::vector<const char*> columnNames,
+fake::Result texts(const std::vector<const char*>& columnNames,
                    std::vector<std::vector<fake::Cell>> rows) {
   fake::Result result;
   for (const char* name : columnNames) {
