@@ -218,10 +218,10 @@ def main():
     arguments = sys.argv[1:]
     session = Session(arguments[0], "--quick" in arguments)
     result = report.Report(ROOT)
-    stub_figures(session, result)
     if "--no-databases" not in arguments:
         database_figures(session, result)
         long_figures(session, result)
+    stub_figures(session, result)  # when the servers have nothing to do any more
     curves = growth.measure(session, ALLOCATORS)
     growth.long_text(curves, result)
     value_figures(session, result)
