@@ -29,14 +29,16 @@ const Answer kAnswers[] = {
 enum class Expected { kDone, kRefused, kEither };
 enum class Transfer { kAny, kPlain, kSafe };
 // Of calls of one function: of those that follow each other (the columns of a row, the attributes
-// of a batch) the last, or of all in an operation the final one, or one between first and final.
-enum class Place { kAny, kLast, kNotLast, kNotFinal, kMiddle };
+// of a batch) the last, or of all in an operation the final one, or one between first and final, or
+// one that was made before with the same arguments.
+enum class Place { kAny, kLast, kNotLast, kNotFinal, kMiddle, kAgain };
 
 // Where a call stands among the calls of its function.
 struct Standing {
   bool isLast;
   bool isFirstOfAll;
   bool isFinal;
+  bool isAgain;
 
   bool is(Place place) const {
     switch (place) {
@@ -50,16 +52,26 @@ struct Standing {
         return !isFinal;
       case Place::kMiddle:
         return !isFinal && !isFirstOfAll;
+      case Place::kAgain:
+        return isAgain;
     }
     return false;
   }
 };
 
+// The name in NAME(ARGUMENTS).
+std::string_view functionOf(std::string_view call) {
+  return call.substr(0, call.find('('));
+}
+
 Standing standingOf(const Strings& calls, std::size_t at) {
   const auto here = calls.begin() + static_cast<std::ptrdiff_t>(at);
-  const auto next = std::find(here + 1, calls.end(), *here);
+  const std::string_view name = functionOf(*here);
+  const auto isSame = [name](const std::string& call) { return functionOf(call) == name; };
+  const auto next = std::find_if(here + 1, calls.end(), isSame);
   const bool runGoesOn = next == here + 1 && next != calls.end();
-  return {!runGoesOn, std::find(calls.begin(), here, *here) == here, next == calls.end()};
+  return {!runGoesOn, std::find_if(calls.begin(), here, isSame) == here, next == calls.end(),
+          std::find(calls.begin(), here, *here) != here};
 }
 
 // What an operation makes of one failing call. The first row that fits holds; without one, a
@@ -145,10 +157,12 @@ constexpr Rule kRules[] = {
     {"releaseConnection2", "", kAnyCode, Expected::kDone, k2},
     {"forced disconnect", "", kAnyCode, Expected::kDone, k2},
     {"disconnect", "SQLFreeStmt", kAnyCode, Expected::kDone, k2},
-    {"releaseStatement", "SQLFreeStmt", kAnyCode, Expected::kEither, k2},
+    {"releaseStatement", "SQLFreeStmt", kAnyCode, Expected::kDone, k2, Transfer::kAny,
+     Place::kAgain},
     // Kept: the environment is never told of safe transfer, the connection is.
     {"createConnection2", "SQLSetEnvAttr", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2},
-    {"createConnection2", "SQLAllocHandle", SQL_SUCCESS_WITH_INFO, Expected::kEither, k2},
+    {"createConnection2", "SQLAllocHandle", SQL_SUCCESS_WITH_INFO, Expected::kRefused, k2,
+     Transfer::kAny, Place::kNotFinal},
     {"hasMoreData", "SQLFetch", SQL_NO_DATA, Expected::kDone, k2},
     {"nextResultSet", "SQLMoreResults", SQL_NO_DATA, Expected::kDone, k2},
     {"execute", "SQLExecute", SQL_NO_DATA, Expected::kDone, k2, Transfer::kSafe},
@@ -323,13 +337,12 @@ std::string describe(const Operation& operation, bool safe, int call, const fake
          " answers " + std::to_string(answer.rc) + (answer.records.empty() ? "" : " with record");
 }
 
-// The names of the functions that an operation calls.
+// The calls that an operation makes.
 Strings callsOf(Check& check, const Operation& operation, bool safe) {
   Trial trial(check, operation, safe);
   trial.world().odbc.logging = true;
   const Outcome outcome = trial.run();
   Strings calls = trial.world().odbc.takeLog();
-  for (std::string& call : calls) call.resize(call.find('('));
   const std::string what = std::string(operation.name) + (safe ? ", safe" : "");
   if (outcome != Outcome::kDone) check.found(what + ": does not succeed without a fault");
   trial.expectSound(outcome, what);
