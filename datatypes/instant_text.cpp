@@ -176,7 +176,7 @@ std::size_t printDatePlain(long seconds, bool withZone, char* out) {
   const std::tm t = brokenDown(seconds);
   char text[kMaxInstantText + 1];
   const int length = KORVEX::Zel::intl_snprintf(
-      text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d%s", t.tm_year + 1900, t.tm_mon + 1,
+      text, sizeof text, "%04ld-%02d-%02d %02d:%02d:%02d%s", t.tm_year + 1900L, t.tm_mon + 1,
       t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, withZone ? "+00" : "");
   std::memcpy(out, text, static_cast<std::size_t>(length));
   return static_cast<std::size_t>(length);

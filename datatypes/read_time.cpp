@@ -1,5 +1,6 @@
 #include "datatypes/read_time.h"
 
+#include <climits>
 #include <ctime>
 
 #include "datatypes/calendar.h"
@@ -43,7 +44,7 @@ std::tm brokenDown(const ReadTime& read) {
 
 bool ReadTime::takeFieldsOf(long epochSeconds) {
   std::tm t{};
-  if (!breakDownUtc(epochSeconds, t)) return false;
+  if (!breakDownUtc(epochSeconds, t) || t.tm_year > INT_MAX - 1900) return false;
   year = t.tm_year + 1900;
   month = t.tm_mon;
   day = t.tm_mday;

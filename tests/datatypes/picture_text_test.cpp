@@ -106,6 +106,15 @@ TEST(PicturePrint, Units) {
   EXPECT_EQ(out, "2010-01-02 03:04:05.000000 1262401445000000 1262401445000");
   BigDateTimeToString(1262401445678901, "SS.FF MIC MS SE FF", nullptr, out);
   EXPECT_EQ(out, "05.678901 1262401445678901 1262401445678 1262401445 678");
+  // The same units where all fields are of fixed width, up to the last year of four digits.
+  DateToString(253402300799, "YYYY-MM-DD HH24:MI:SS.FF", nullptr, out);
+  EXPECT_EQ(out, "9999-12-31 23:59:59.000000");
+  DateToString(253402300799, "YYYY-MM-DD HH24:MI:SS.FF1", "Asia/Tokyo", out);
+  EXPECT_EQ(out, "10000-01-01 08:59:59.0");
+  BigDateTimeToString(253402300799678901, "YYYY-MM-DD HH24:MI:SS.FF", nullptr, out);
+  EXPECT_EQ(out, "9999-12-31 23:59:59.678901");
+  BigDateTimeToString(1262401445678901, "YYYYMMDD HH24MISS FF7", "Asia/Kolkata", out);
+  EXPECT_EQ(out, "20100102 083405 6789010");
 }
 
 struct ReadRow {
@@ -145,6 +154,7 @@ TEST(PictureRead, Accepted) {
       {"1262401445678", "MS", true, kTime},
       {"1262401445678.9", "MS.FF", true, kTime + 1000},
       {"-1500", "MS", true, -1000},
+      {"-1500.6", "MS.FF", true, -2000},
       {"1262401445678901", "MIC", true, kTime},
       {"-9223372036854775808", "MIC", true, -9223372036854775},
       {"03:04", "HH24:MI", true, -2208977760000},  // 1900
@@ -174,6 +184,9 @@ TEST(PictureRead, Refused) {
       {"5 10", "MI SSSSS"}, {"5 10", "HH HH24"}, {"AM 10", "AM HH24"}, {"AM PM", "AM PM"},
       {"am", "AM"}, {"AM", "Am"}, {"january", "MONTH"}, {"01 JAN", "MM MON"}, {"SUN", "Dy"},
       {"2010 5", "YYYY SE"}, {"5 2010", "SE YYYY"}, {"5 6", "SE MS"}, {"5 6", "MIC SE"},
+      {"5 6", "MM SE"}, {"5 6", "DD MS"}, {"5 6", "HH MIC"}, {"5 6", "SS SE"}, {"AM 6", "AM MS"},
+      {"5 6", "FF SE"}, {"5 6", "HH SSSSS"}, {"5 6", "SS SSSSS"}, {"AM 6", "AM SSSSS"},
+      {"5 6", "MIC YYYY"}, {"5 6", "FF FF"}, {"2010 5", "YYYY Y"}, {"2010 05", "YYYY RR"},
       {"5 6", "MS MIC"}, {"5 6", "MIC MIC"}, {"9223372036854775808", "MS"},
       {"-9223372036854775809", "MIC"}, {"9223372036854776", "SE"}, {"9223372036854775807", "SE"},
       {"000000000000000000005", "SE"}, {"-", "SE"}, {"-", "MIC"}, {"--5", "SE"},
@@ -181,6 +194,7 @@ TEST(PictureRead, Refused) {
       {"2010-1-02", "FXYYYY-MM-DD"}, {"2010/01", "FXYYYY-MM"}, {"2010 ", "FXYYYY"},
       {"2010x01", "FXYYYY MM"}, {"2010", "YYYY\""}, {"2010x", "YYYYy"}, {"1", "D"}, {"1", "DDD"},
       {"1", "Q"}, {"1", "W"}, {"1", "WW"}, {"1", "FF3"}, {"1", "DAYS"}, {"1", "HOURS"},
+      {"1", "MINUTES"}, {"1", "SECONDS"},
       // clang-format on
   };
   for (const auto& [text, picture] : rows) expectRead({text, picture, false, 0});
@@ -227,6 +241,9 @@ TEST(PictureRead, Units) {
   EXPECT_EQ(value, -7);
   EXPECT_TRUE(DateFromString("1999999", "MIC", value));
   EXPECT_EQ(value, 1);
+  EXPECT_TRUE(DateFromString("67767976233532799", "SE", value)) << "the last second of an int year";
+  EXPECT_EQ(value, 67767976233532799);
+  EXPECT_FALSE(DateFromString("67767976233532800", "SE", value));
 }
 
 TEST(PictureRead, PrintedPicturesReadBack) {
