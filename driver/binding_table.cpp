@@ -25,7 +25,8 @@ int fixed(unsigned int, const DataValue&) {
 }
 
 int textLength(unsigned int, const DataValue& value) {
-  return value.isNull() ? 0 : static_cast<int>(std::strlen(value.string));
+  const bool hasText = !value.isNull() && value.string != nullptr;
+  return hasText ? static_cast<int>(std::strlen(value.string)) : 0;
 }
 
 int byteLength(unsigned int, const DataValue& value) {

@@ -56,6 +56,7 @@ const std::vector<BindingCase>& bindingCases() {
       {"date", int64Parameter(kDate, 951782400), "93,93,19,0", timestamp(2000, 2, 29, 0, 0, 0, 0)},
       {"string", stringParameter("h\xC3\xA9"), "1,12,3,0", "h\xC3\xA9"},
       {"empty string", stringParameter(""), "1,12,0,0", ""},
+      {"string without text", stringParameter(nullptr), "1,12,0,0", ""},
       {"money", int64Parameter(kMoney, -12345), "1,3,19,4", "-1.2345"},
       {"money(4)", int64Parameter(14, 5), "1,3,19,4", "0.0005"},
       {"money(15)", int64Parameter(25, -9223372036854775807L - 1), "1,3,19,15",
