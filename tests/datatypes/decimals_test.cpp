@@ -156,6 +156,9 @@ TEST(FixedDecimal, ResultTypes) {
        10, 6},
       {FixedDecimalValue::toAdditionResultType, decimal(1, 34, 0), decimal(1, 34, 34), false, 1, 34,
        0},
+      // The shift does not fit.
+      {FixedDecimalValue::toAdditionResultType, decimal((Int128{1} << 126) + 5, 10, 0),
+       decimal(1, 8, 4), false, 5, 10, 0},
   };
   for (auto row : rows) {
     EXPECT_EQ(row.rule(row.a, row.b), row.isOk);
@@ -225,6 +228,7 @@ TEST(Decimals, WholeNumbers) {
     bool fitsInt;
     int asInt;
   } rows[] = {
+      {0, 0, true, 0, true, 0},
       {12345, 2, true, 123, true, 123},
       {-12399, 2, true, -123, true, -123},
       {-129, 1, true, -12, true, -12},
