@@ -150,6 +150,8 @@ TEST(FixedDecimal, ResultTypes) {
        11, 4},
       {FixedDecimalValue::toMultiplicationResultType, decimal(15, 17, 2), decimal(1, 17, 4), false,
        15, 17, 2},
+      {FixedDecimalValue::toMultiplicationResultType, decimal(15, 16, 2), decimal(1, 17, 4), true,
+       150000, 34, 6},
       {FixedDecimalValue::toMultiplicationResultType, decimal(15, 10, 2), decimal(1, 8, 4), true,
        150000, 19, 6},
       {FixedDecimalValue::toDivisionResultType, decimal(-15, 5, 2), decimal(1, 3, 1), true, -150000,
