@@ -1,4 +1,6 @@
 #include "driver/odbc_column.h"
+#include "driver/odbc_connection.h"
+#include "driver/odbc_database_metadata.h"
 #include "tests/driver/driver_fixture.h"
 
 namespace KORVEX::Zel::DB {
@@ -85,6 +87,10 @@ class CatalogueTest : public DriverFixture {
     odbc.results["SQLTables"] = {{texts(5),
                                   {{{}, "s1", "t", "TABLE", {}},
                                    {{}, "SYSIBM", "hidden", "TABLE", {}},
+                                   {{}, "SYSCAT", "hidden", "TABLE", {}},
+                                   {{}, "SYSSTAT", "hidden", "TABLE", {}},
+                                   {{}, "SYSTOOLS", "hidden", "TABLE", {}},
+                                   {{}, "SYSIBMADM", "hidden", "TABLE", {}},
                                    {{}, "s1", "a.b", "VIEW", {}}}}};
     odbc.results["SQLColumns"] = {
         {texts(11),
@@ -107,7 +113,8 @@ TEST_F(CatalogueTest, ListsTablesOnceAndHidesSystemSchemasOfDb2) {
     open();
     Strings names;
     EXPECT_EQ(connection->getTableNames(names), kSuccess);
-    EXPECT_EQ(names, db2 ? (Strings{"t", "a.b"}) : (Strings{"t", "hidden", "a.b"}));
+    EXPECT_EQ(names, db2 ? (Strings{"t", "a.b"})
+                         : Strings({"t", "hidden", "hidden", "hidden", "hidden", "hidden", "a.b"}));
     EXPECT_EQ(connection->getTableNames(names), kSuccess);
     EXPECT_EQ(calls("SQLTables(null,0,null,0,null,0,\"TABLE,VIEW\",10)"), 1);
     EXPECT_EQ(connection->getTableNames("s1", names), kSuccess);
@@ -148,6 +155,27 @@ TEST_F(CatalogueTest, DescribesTheListedTableOfSeveralWithOneName) {
   EXPECT_EQ(count, 2);
   EXPECT_EQ(connection->getTableNumColumns("a.b", count), kSuccess);  // a table of that name
   EXPECT_EQ(calls("SQLColumns(null,0,null,0,\"a.b\",3"), 1);
+  EXPECT_EQ(connection->getTableNumColumns("s1", "c.d", count), kSuccess);  // a name of its own
+  EXPECT_EQ(calls("SQLColumns(null,0,\"s1\",2,\"c.d\",3"), 1);
+}
+
+TEST_F(CatalogueTest, ColumnsAreReadAgainOnDemand) {
+  scriptTables();
+  open();
+  OdbcDatabaseMetadata metadata(static_cast<OdbcConnection&>(*connection));
+  std::string name;
+  unsigned type = 0;
+  for (const int scans : {1, 0}) {
+    EXPECT_EQ(metadata.getTableAllColumnInfo("t", false), kSuccess);
+    EXPECT_EQ(calls("SQLColumns"), scans);
+  }
+  EXPECT_EQ(metadata.getTableAllColumnInfo("t", true), kSuccess);
+  EXPECT_EQ(calls("SQLColumns"), 1);
+  EXPECT_EQ(metadata.getTableColumnName("t", 0, name), kSuccess);
+  EXPECT_EQ(metadata.getTableColumnType("t", 1, type), kSuccess);
+  EXPECT_EQ(name, "id");
+  EXPECT_EQ(type, 5u);
+  EXPECT_EQ(calls("SQLColumns"), 0);
 }
 
 TEST_F(CatalogueTest, FailuresJoinTheConnectionsErrors) {
@@ -203,6 +231,13 @@ TEST_F(CatalogueTest, CreatesTablesAfterDroppingThemFirst) {
     }
     EXPECT_EQ(statements, c.statements);
   }
+  // Of another's making, after the list was last read.
+  Strings names;
+  EXPECT_EQ(connection->getTableNames(names), kSuccess);
+  odbc.results["SQLTables"][0].rows = {{{}, "s1", "later", "TABLE", {}}};
+  odbc.takeLog();
+  EXPECT_EQ(connection->createTable("later", {"a"}, {kInteger}, {false}, true, false), kSuccess);
+  EXPECT_EQ(calls("SQLPrepare(\"drop table \"later\"\")"), 1);
   odbc.answer("SQLTables", failing());
   EXPECT_EQ(connection->createTable("T", {"a"}, {kInteger}, {false}, true, false), kFailure);
   EXPECT_EQ(connection->createTable("T", {"a"}, {}, {false}, true, false), kFailure);

@@ -13,6 +13,7 @@ TEST_F(OdbcConnectionTest, NeedsDataSourceAndUser) {
   }
   EXPECT_EQ(log.take(), Strings());
   EXPECT_EQ(driver->initialize(), kSuccess);
+  EXPECT_EQ(driver->getName(), "odbc");
   driver->releaseError(nullptr);
 }
 
@@ -69,6 +70,15 @@ TEST_F(OdbcConnectionTest, FailuresAreCollected) {
   std::string all;
   for (int i = 0; i < 3; ++i) all += '\n' + std::string(kDiagnostic) + '\0';
   EXPECT_EQ(lastErrors(), all);
+  EXPECT_EQ(lastErrors(), "");
+}
+
+TEST_F(OdbcConnectionTest, AnEnvironmentThatFailedIsToldWhenOpening) {
+  odbc.answer("SQLSetEnvAttr", failing());
+  make();
+  EXPECT_EQ(log.take(), Strings());
+  EXPECT_EQ(connection->open(), kFailure);
+  EXPECT_EQ(log.take(), (Strings{"801000-3_ERROR_OPENING_DB_CONNECTION||"}));
   EXPECT_EQ(lastErrors(), "");
 }
 
@@ -142,7 +152,11 @@ TEST_F(OdbcConnectionTest, BatchProtocol) {
   const std::vector<Parameter> two = {int32Parameter(1), int32Parameter(2)};
   EXPECT_EQ(connection->addToBatch(two), kFailure);
   EXPECT_EQ(connection->executeBatch(status), kFailure);
+  int rows = 0;
+  EXPECT_EQ(connection->executeUpdate("update", {}, rows), kSuccess);
+  odbc.takeLog();
   EXPECT_EQ(connection->clearBatch(), kSuccess);
+  EXPECT_EQ(odbc.takeLog(), Strings());  // there is no batch: the statement is left alone
   ASSERT_EQ(connection->createBatch("insert ?,?,?"), kSuccess);
   EXPECT_EQ(connection->createBatch("insert ?,?,?"), kFailure);
   EXPECT_EQ(connection->addToBatch(two), kSuccess);
@@ -151,8 +165,15 @@ TEST_F(OdbcConnectionTest, BatchProtocol) {
   odbc.answer("SQLExecute", failing());
   EXPECT_EQ(connection->executeBatch(status), kFailure);
   EXPECT_EQ(connection->addToBatch(two), kFailure);  // the batch has ended all the same
+  ASSERT_EQ(connection->createBatch("insert ?,?,?"), kSuccess);
+  odbc.takeLog();
+  odbc.answer("SQLPrepare", failing());
+  EXPECT_EQ(connection->clearBatch(), kSuccess);  // whatever the statement makes of it
+  EXPECT_EQ(odbc.takeLog().back(), "SQLPrepare(\"insert ?,?,?\")");
+  EXPECT_EQ(connection->addToBatch(two), kFailure);
   EXPECT_EQ(log.take(),
-            (Strings{std::string("801021-3_ERROR_EXECUTING_BATCH|insert ?,?,?|") + kDiagnostic}));
+            (Strings{std::string("801021-3_ERROR_EXECUTING_BATCH|insert ?,?,?|") + kDiagnostic,
+                     std::string("801019-3_ERROR_CLEARING_BATCH|") + kDiagnostic + '|'}));
   odbc.executions.clear();
   ASSERT_EQ(connection->createBatch("insert ?,?"), kSuccess);
   EXPECT_EQ(connection->executeBatch(status), kSuccess);  // without a row: runs nothing

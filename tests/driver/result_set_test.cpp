@@ -143,7 +143,7 @@ TEST_F(OdbcResultSetTest, ReadsEveryFamilyFromItsColumnsAndTheirRelatives) {
       {"time of SQL Server's type", column(-154, 16), fake::Cell::of(TIME_STRUCT{12, 34, 56}),
        kTime, "45296"},
       {"time of wide text", column(SQL_WVARCHAR, 20), "12:34:56", kTime, "45296"},
-      {"time of short wide text", column(SQL_WVARCHAR, 20), "12:34", kTime,
+      {"time of short wide text", column(SQL_WVARCHAR, 20), "12:34:5", kTime,
        "801032-3_ERROR_PARSING_COLUMN_VALUE|1|"},
       {"time of letters", column(SQL_WVARCHAR, 20), "xx:00:00", kTime, "-3600"},
       {"time of narrow text", kText, "12:34:56", kTime,

@@ -109,7 +109,7 @@ TEST_F(OdbcStatementTest, BindsEveryTypeInABatchBetweenNulls) {
                                  nullParameter(c.parameter.type), c.parameter}) {
       ASSERT_EQ(connection->addToBatch({row}), kSuccess) << c.name;
     }
-    std::vector<int> status;
+    std::vector<int> status(9, 7);
     ASSERT_EQ(connection->executeBatch(status), kSuccess) << c.name;
     EXPECT_EQ(status, std::vector<int>(4, 0)) << c.name;
     const auto& rows = odbc.executions.at(0).rows;

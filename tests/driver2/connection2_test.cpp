@@ -16,6 +16,21 @@ TEST(DBError2OdbcTest, ForgetsWhatItHeld) {
   record.processOdbcError(SQL_HANDLE_ENV, nullptr, SQL_SUCCESS);
   EXPECT_STREQ(record.getErrorString(), "[0]");
   EXPECT_EQ(record.getNativeErrorCode(), 0);
+  record.nativeErrorCode = 5;
+  record.processOdbcError(SQL_HANDLE_ENV, nullptr, SQL_NO_DATA);
+  EXPECT_STREQ(record.getErrorString(), "[100]No data");
+  EXPECT_EQ(record.getNativeErrorCode(), 5);
+}
+
+TEST(DBError2OdbcTest, IsMadeByTheDriverWithItsTextAlone) {
+  const std::unique_ptr<Driver> driver(FactoryDriver("odbc"));
+  DBError* error = driver->createError("start");
+  EXPECT_STREQ(error->getErrorString(), "start");
+  EXPECT_STREQ(error->getService(), "");
+  EXPECT_STREQ(error->getErrorSource(), "");
+  EXPECT_EQ(error->getNativeErrorCode(), 0);
+  EXPECT_FALSE(error->isConnectionError());
+  driver->releaseError(error);
 }
 
 class Connection2Test : public Driver2Fixture {
@@ -46,6 +61,9 @@ TEST_F(Connection2Test, ClassifiesSqlStates) {
     EXPECT_STREQ(error->getService(), "kept");
     EXPECT_FALSE(error->isSuccessWithInfo());
   }
+  odbc.answer("SQLEndTran", fake::failure("42000", 7, std::string(600, 'm')));
+  EXPECT_EQ(connection->commit(error), -1);
+  EXPECT_EQ(said(), "odbc|[-1][42000]" + std::string(511, 'm'));
   odbc.answer("SQLEndTran", fake::failureWithoutRecord());
   EXPECT_EQ(connection->rollback(error), -1);
   EXPECT_EQ(said(), "odbc|[-1][]");
@@ -56,9 +74,15 @@ TEST_F(Connection2Test, ConnectsOnceWithItsProperties) {
   EXPECT_EQ(odbc.takeLog(),
             (Strings{"SQLAllocHandle(1)", "SQLSetEnvAttr(200,3,-5)", "SQLAllocHandle(2)",
                      "SQLSetConnectAttr(102,0,-5)", "SQLSetConnectAttr(108,2,-5)"}));
+  auto* own = static_cast<ODBC::Connection2Odbc*>(connection);
+  EXPECT_EQ(own->initialize(error), 0);
+  EXPECT_EQ(odbc.takeLog(), Strings());
   EXPECT_STREQ(connection->getImplementationName(), "generic odbc v2.0.0");
   EXPECT_STREQ(connection->getService(), "service");
   EXPECT_EQ(connection->disconnect(false, error), 0);
+  EXPECT_EQ(connection->createPreparedStatement("q", nullptr, false, error), nullptr);
+  EXPECT_EQ(said(), "dbaccess|not implemented");
+  EXPECT_FALSE(error->isConnectionError());
   EXPECT_EQ(prepare("q"), nullptr);
   EXPECT_EQ(said(), "dbaccess|not connected");
   EXPECT_TRUE(error->isConnectionError());
@@ -67,7 +91,6 @@ TEST_F(Connection2Test, ConnectsOnceWithItsProperties) {
   EXPECT_EQ(connection->connect(error), 0);
   EXPECT_EQ(connection->connect(error), 0);
   EXPECT_EQ(odbc.takeLog(), (Strings{"SQLConnect(\"fake\",\"u\",\"p\")"}));
-  auto* own = static_cast<ODBC::Connection2Odbc*>(connection);
   EXPECT_EQ(connection->disconnect(true, error), 0);
   own->clearProperties();
   EXPECT_EQ(connection->connect(error), 0);
@@ -88,6 +111,16 @@ TEST_F(Connection2Test, CommitsOverALostLinkFailSafely) {
     EXPECT_EQ(connection->commit(error), 0);
     close();
   }
+}
+
+TEST_F(Connection2Test, NamesMayBeEmpty) {
+  connection = driver->createConnection2(PropertyDataService("service", {}), error);
+  ASSERT_NE(connection, nullptr);
+  EXPECT_EQ(connection->createPreparedStatement("q", 0, nullptr, false, error), nullptr);
+  EXPECT_EQ(said(), "dbaccess|not connected");
+  odbc.takeLog();
+  connection->connect(error);
+  EXPECT_EQ(odbc.takeLog(), (Strings{"SQLConnect(\"\",\"\",\"\")"}));
 }
 
 TEST_F(Connection2Test, SetsTheProcessZoneToUtc) {
@@ -115,6 +148,8 @@ TEST_F(Connection2Test, DisconnectsInTheOrderOfItsMode) {
     odbc.takeLog();
     EXPECT_EQ(connection->disconnect(false, error), 0);
     EXPECT_EQ(odbc.takeLog().front(), safe ? "SQLFreeStmt(0)" : "SQLDisconnect()");
+    // Of statements whose handles are gone.
+    EXPECT_EQ(said(), safe ? "odbc|[-1][25000]no" : "odbc|[-2]Invalid handle");
     EXPECT_EQ(connection->connect(error), 0);
     ASSERT_NE(prepare("u"), nullptr);
     odbc.takeLog();

@@ -1,4 +1,9 @@
+#include <chrono>
+#include <future>
+#include <mutex>
+
 #include "datatypes/data_types.h"
+#include "driver2/prepared_statement2_odbc.h"
 #include "tests/driver2/driver2_fixture.h"
 #include "tests/support/packed_row.h"
 
@@ -53,6 +58,8 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
   const TIMESTAMP_STRUCT kLeapDay = {2000, 2, 29, 0, 0, 0, 0};
   const TIME_STRUCT kLate = {23, 59, 59};
   const FixedDecimalValue kDecimal = {~0UL, ~0UL - 4, 3, 10};
+  // 34 nines, three of them behind the point.
+  const FixedDecimalValue kLongest = {0x0001ED09BEAD87C0, 0x378D8E63FFFFFFFF, 3, 34};
   const Case kCases[] = {
       {"integer", kInteger, rawBytes(-70000), SQL_C_SLONG, rawBytes(-70000), 0},
       {"long", kLong, rawBytes(1L << 40), SQL_C_SBIGINT, rawBytes(1L << 40), 0},
@@ -69,6 +76,8 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
       {"money", kMoney, rawBytes(-12345L), SQL_C_CHAR, "-1.2345", 7},
       {"money(2)", 12, rawBytes(5L), SQL_C_CHAR, "0.05", 4},
       {"decimal", createFixedDecimal(10, 3), rawBytes(kDecimal), SQL_C_CHAR, "-0.005", 6},
+      {"longest decimal", createFixedDecimal(34, 3), rawBytes(kLongest), SQL_C_CHAR,
+       std::string(31, '9') + ".999", 35},
       {"binary", kBinary, std::string("\0\0\0\3a\0b", 7), SQL_C_BINARY, std::string("a\0b", 3), 3},
       {"empty binary", kBinary, std::string(4, '\0'), SQL_C_BINARY, "", 0},
   };
@@ -78,6 +87,7 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
     PreparedStatement* statement = prepare("u ?");
     ASSERT_NE(statement, nullptr);
     for (const Case& c : kCases) {
+      odbc.takeLog();
       std::vector<int> columns = {1};
       Types types = {c.type};
       ASSERT_EQ(statement->setBindings(columns, types.data(), error), 0);
@@ -86,14 +96,18 @@ TEST_F(ParametersTest, BindsEveryTypeInBothFormsAndModes) {
       EXPECT_EQ(lastRow().at(0).cType, c.cType) << c.name;
       EXPECT_EQ(lastRow().at(0).bytes, c.bytes) << c.name;
       EXPECT_EQ(lastRow().at(0).indicator, c.length) << c.name;
+      const std::string cType = std::to_string(c.cType);
+      EXPECT_EQ(bindings(), (Strings{"SQLBindParameter(1,1," + cType + ",12,77,5,ptr," +
+                                     std::to_string(c.length) + ",ptr)"}))
+          << c.name;
+      EXPECT_EQ(statement->execute(PackedRow({"?", std::nullopt}).get(), error), 0) << c.name;
+      EXPECT_EQ(bindings(), (Strings{"SQLBindParameter(1,1," + cType + ",12,1,5,null,0,ptr)"}));
       Cells cells(1);
       std::string copy = c.packed;
       unpackValue(c.type, reinterpret_cast<unsigned char*>(copy.data()), cells[0]);
       ASSERT_EQ(statement->execute(cells, types, error), 0) << c.name << error->getErrorString();
       EXPECT_EQ(lastRow().at(0).bytes, c.bytes) << c.name;
     }
-    const std::string line = bindings().back();
-    EXPECT_EQ(line.substr(0, 30), "SQLBindParameter(1,1,-2,12,77,") << line;
     close();
   }
 }
@@ -167,6 +181,50 @@ TEST_F(ParametersTest, RefusesWhatDoesNotFit) {
   EXPECT_EQ(prepare("q", {kInteger, kInteger}), nullptr);
   EXPECT_EQ(said(), "dbaccess|specified column count does not match query");
   EXPECT_NE(prepare("q", {kInteger}), nullptr);
+  EXPECT_NE(prepare("u", {kInteger}), nullptr);  // without columns types do not matter
+}
+
+TEST_F(ParametersTest, ExecutingFromValuesClosesWhatWasBoundBefore) {
+  open(false);
+  PreparedStatement* statement = prepare("u ?");
+  const Strings kClosing = {"SQLFreeStmt(0)", "SQLFreeStmt(2)", "SQLFreeStmt(3)"};
+  Cells cells = {int64Cell(1)};
+  Types types = {kLong};
+  odbc.takeLog();
+  EXPECT_EQ(statement->execute(cells, types, error), 0);
+  EXPECT_TRUE(odbc.takeLog().front().starts_with("SQLBindParameter(1,"));
+  odbc.answer("SQLExecute", failing());
+  EXPECT_EQ(statement->execute(cells, types, error), -1);
+  EXPECT_EQ(said(), "odbc|[-1][42000]no");
+  Strings calls = odbc.takeLog();
+  ASSERT_EQ(calls.size(), 5u);
+  EXPECT_EQ(Strings(calls.begin(), calls.begin() + 3), kClosing);
+  odbc.answer("SQLFreeStmt", failing());  // bound, although the execution has failed
+  EXPECT_EQ(statement->execute(cells, types, error), -1);
+  EXPECT_EQ(odbc.takeLog(), (Strings{"SQLFreeStmt(0)"}));
+  EXPECT_EQ(statement->execute(cells, types, error), 0);
+  odbc.takeLog();
+  odbc.answer("SQLBindParameter", failing());
+  EXPECT_EQ(statement->execute(cells, types, error), -1);
+  calls = odbc.takeLog();
+  ASSERT_EQ(calls.size(), 7u);
+  EXPECT_EQ(Strings(calls.begin() + 4, calls.end()), kClosing);
+  EXPECT_EQ(statement->execute(error), -1);
+  EXPECT_EQ(said(), "dbaccess|unbound parameter(s)");
+}
+
+TEST_F(ParametersTest, ExecutionsFromValuesWaitForEachOther) {
+  using Statement = ODBC::PreparedStatement2Odbc;
+  open(false);
+  PreparedStatement* statement = prepare("u ?");
+  Cells cells = {int64Cell(1)};
+  Types types = {kLong};
+  std::unique_lock other(Statement::m_mx);
+  auto waiting =
+      std::async(std::launch::async, [&] { return statement->execute(cells, types, error); });
+  EXPECT_EQ(waiting.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  other.unlock();
+  EXPECT_EQ(waiting.get(), 0);
 }
 
 TEST_F(ParametersTest, AnOpenCursorIsClosedOnlySafely) {

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 #include "datatypes/data_types.h"
+#include "driver2/prepared_statement2_odbc.h"
 #include "tests/driver2/driver2_fixture.h"
 #include "tests/support/cell_text.h"
 
@@ -130,6 +132,32 @@ TEST_F(RowsTest, ReadsEveryTypeInBothFormsAndModes) {
   }
 }
 
+TEST_F(RowsTest, AsksForWhatIsLeftOfALongValue) {
+  struct Case {
+    SQLSMALLINT sqlType;
+    std::size_t bytes;
+    unsigned type;
+    Strings calls;
+  };
+  const Case kCases[] = {
+      {SQL_VARCHAR, 127, kString, {"SQLGetData(1,1,128)"}},
+      {SQL_VARCHAR, 200, kString, {"SQLGetData(1,1,128)", "SQLGetData(1,1,74)"}},
+      {SQL_VARBINARY, 60, kBinary, {"SQLGetData(1,-2,60)"}},
+      {SQL_VARBINARY, 100, kBinary, {"SQLGetData(1,-2,60)", "SQLGetData(1,-2,40)"}},
+      {SQL_DECIMAL, 3, kMoney, {"SQLGetData(1,1,32)"}},
+  };
+  open(false);
+  for (const Case& c : kCases) {
+    PreparedStatement* statement =
+        firstRow({column(c.sqlType, 300)}, {std::string(c.bytes, '7')}, {c.type});
+    Cells cells(1);
+    EXPECT_EQ(statement->nextRow(cells, error), 0) << c.bytes;
+    EXPECT_EQ(odbc.takeLog(), c.calls) << c.bytes;
+    release(cells[0], c.type);
+    connection->releaseStatement(statement, error);
+  }
+}
+
 TEST_F(RowsTest, NullFlagsAndSixteenBitIntegersByMode) {
   for (const bool safe : {false, true}) {
     open(safe);
@@ -174,17 +202,29 @@ TEST_F(RowsTest, DescribesColumnsAsTheDriverDoes) {
       {column(SQL_NUMERIC, 38, 36), kFloat},
       {column(SQL_DECIMAL, 20, 4), createFixedDecimal(20, 4)},
       {column(SQL_NUMERIC, 38, 2), createFixedDecimal(38, 2)},
+      {column(SQL_NUMERIC, 40, 34), createFixedDecimal(40, 34)},
+      {column(SQL_FLOAT), kFloat},
       {column(SQL_REAL), kFloat},
+      {column(SQL_DOUBLE), kFloat},
       {column(9), kTimestamp},
       {column(10), kTime},
       {column(11), kBigDateTime},
       {column(SQL_TYPE_TIMESTAMP), kBigDateTime},
       {column(SQL_TYPE_DATE), kDate},
       {column(SQL_TYPE_TIME), kTime},
+      {column(SQL_CHAR), kString},
+      {column(SQL_VARCHAR), kString},
+      {column(SQL_LONGVARCHAR), kString},
+      {column(SQL_WCHAR), kString},
+      {column(SQL_WVARCHAR), kString},
       {column(SQL_WLONGVARCHAR), kString},
       {column(SQL_BIT), kBoolean},
+      {column(SQL_TINYINT), kInteger},
+      {column(SQL_INTEGER), kInteger},
       {column(SQL_SMALLINT), kInteger},
       {column(SQL_BIGINT), kLong},
+      {column(SQL_BINARY), kBinary},
+      {column(SQL_VARBINARY), kBinary},
       {column(SQL_LONGVARBINARY), kBinary},
       {column(-154), kUnknown},
   };
@@ -210,6 +250,57 @@ TEST_F(RowsTest, DescribesColumnsAsTheDriverDoes) {
     EXPECT_EQ(said(), "dbaccess|invalid column");
   }
   EXPECT_STREQ(statement->getColumnName(0, error), "first");
+}
+
+// Of a longer name the length is told; the second call does not say that there is more room now.
+TEST_F(RowsTest, LongColumnNamesFailUnlessSafe) {
+  const std::string kName(300, 'n');
+  for (const bool safe : {false, true}) {
+    open(safe);
+    for (const std::size_t length : {255u, 256u, 257u, 300u}) {
+      fake::ColumnDescription described = column(SQL_INTEGER);
+      described.name = kName.substr(0, length);
+      odbc.results["q"] = {{{described}, {}}};
+      odbc.takeLog();
+      const PreparedStatement* statement = prepare("q");
+      const Strings calls = odbc.takeLog();
+      EXPECT_EQ(std::ranges::count(calls, "SQLDescribeCol(1,256)"), length > 256 ? 2 : 1) << length;
+      if (safe || length == 255) {
+        ASSERT_NE(statement, nullptr) << length;
+        EXPECT_EQ(statement->getColumnName(0, error), kName.substr(0, 255)) << length;
+      } else {
+        EXPECT_EQ(statement, nullptr) << length;
+        EXPECT_EQ(said(), "odbc|[1][01004]name cut");
+      }
+    }
+    close();
+  }
+}
+
+// No column is read so by itself.
+TEST_F(RowsTest, ReadsADateStructureAsItsFirstSecond) {
+  open(false);
+  PreparedStatement* statement =
+      firstRow({column(SQL_TYPE_DATE), column(SQL_TYPE_DATE)},
+               {fake::Cell::of(DATE_STRUCT{2000, 2, 29}), {}}, {kDate, kDate});
+  auto* own = static_cast<ODBC::PreparedStatement2Odbc*>(statement);
+  long seconds = 0;
+  int length = 8;
+  EXPECT_EQ(own->getDataColumn<SQL_C_TYPE_DATE>(0, &seconds, length, error), 0);
+  EXPECT_EQ(seconds, 951782400);
+  EXPECT_EQ(length, 8);
+  EXPECT_EQ(own->getDataColumn<SQL_C_TYPE_DATE>(1, &seconds, length, error), 0);
+  EXPECT_EQ(length, -1);
+  EXPECT_EQ(odbc.takeLog(), (Strings{"SQLGetData(1,91,6)", "SQLGetData(2,91,6)"}));
+}
+
+TEST_F(RowsTest, ARowThatFailsKeepsTheCellsBefore) {
+  open(false);
+  PreparedStatement* statement = firstRow({column(SQL_INTEGER), column(SQL_DECIMAL)},
+                                          {fake::Cell::of(5), "x"}, {kInteger, kMoney});
+  Cells cells(2);
+  EXPECT_EQ(statement->nextRow(cells, error), -1);
+  EXPECT_EQ(cells[0].int32, 5);
 }
 
 TEST_F(RowsTest, GoesThroughResultSetsInOrder) {
