@@ -12,7 +12,9 @@ bool makeTimestamp(long count, const DateUnit& unit, TIMESTAMP_STRUCT& timestamp
   }
   std::tm time{};
   if (!DataTypes::breakDownUtc(seconds, time)) return false;
-  timestamp = {static_cast<SQLSMALLINT>(time.tm_year + 1900),
+  const long year = time.tm_year + 1900L;
+  if (year != static_cast<SQLSMALLINT>(year)) return false;
+  timestamp = {static_cast<SQLSMALLINT>(year),
                static_cast<SQLUSMALLINT>(time.tm_mon + 1),
                static_cast<SQLUSMALLINT>(time.tm_mday),
                static_cast<SQLUSMALLINT>(time.tm_hour),

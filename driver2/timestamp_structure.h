@@ -34,7 +34,7 @@ constexpr const DateUnit* dateUnitOf(unsigned int typeCode) {
 }
 
 // A count as an ODBC timestamp. False, with `timestamp` left alone, when the year cannot be
-// expressed.
+// expressed in its 16 bits.
 bool makeTimestamp(long count, const DateUnit& unit, TIMESTAMP_STRUCT& timestamp);
 
 // How seconds since the epoch are told from a broken-down time: tm2sec, or tm2secUtc.

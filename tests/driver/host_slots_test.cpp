@@ -241,7 +241,8 @@ TEST(ConvertTimeTest, SaysWhatItCannotConvert) {
   };
   const Case kCases[] = {{kInteger, 0, "Invalid data for converting as time\n"},
                          {kDate, 9223372036854775807L, "Error converting value as date\n"},
-                         {kDate, 0, ""}};
+                         {kDate, 971890963200L, "Error converting value as date\n"},  // year 32768
+                         {kDate, 971890963199L, ""}};
   for (const Case& c : kCases) {
     DataValue value;
     value.int64 = c.count;
