@@ -253,12 +253,13 @@ unsigned char& ByteStore::operator[](int index) {
 }
 
 unsigned int ByteStore::Slam(unsigned int offset, const unsigned char* bytes, int count) {
-  if (count < 1 || bytes == nullptr) return length_;
+  // Of no bytes it still lengthens up to the offset.
+  if (count < 0 || (count > 0 && bytes == nullptr)) return length_;
   const std::uint64_t end = std::uint64_t{offset} + static_cast<std::uint32_t>(count);
   const bool own = holds(bytes);
   const std::size_t ownOffset = own ? static_cast<std::size_t>(bytes - data_) : 0;
   const char fill = 0;
-  if (lengthen(end, false, &fill) < end) return length_;
+  if (lengthen(end, false, &fill) < end || count == 0) return length_;
   std::memmove(data_ + offset, own ? data_ + ownOffset : bytes, static_cast<std::size_t>(count));
   return length_;
 }

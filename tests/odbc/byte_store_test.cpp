@@ -242,6 +242,9 @@ TEST(ByteStore, SlamsIntegersInBothByteOrders) {
   EXPECT_EQ(store.Slam(0, bytes("x"), 0), 15u);
   EXPECT_EQ(store.Slam(1, ByteStore("YZ", 2)), 15u);
   EXPECT_EQ(contents(store).substr(1, 2), "YZ");
+  EXPECT_EQ(store.Slam(17, bytes("x"), 0), 17u);  // nothing, but up to there
+  EXPECT_EQ(store.Slam(19, ByteStore()), 19u);
+  EXPECT_EQ(contents(store).substr(14), std::string("!\0\0\0\0", 5));
 }
 
 TEST(ByteStore, WritesLengthFields) {
