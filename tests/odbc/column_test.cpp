@@ -168,13 +168,29 @@ TEST_F(Column, AFailingColumnEndsTheRow) {
   fetchFirst({{{"a", 4, 10}, {"b", 12, 10}, {"c", 4, 10}},
               {{fake::Cell::of(1), "one", fake::Cell::of(1)},
                {fake::Cell::of(2), counted(60), fake::Cell::of(2)}}});
-  ASSERT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+  fake_.fail("SQLGetData", 2, fake::failure("22018", 8, "cannot"));
+  EXPECT_EQ(stmt_->Fetch(), Odbc::e_Error);
+  int unread = 7;
+  EXPECT_EQ(stmt_->GetColumn(3)->GetData(unread), Odbc::e_Ok);  // its area is there from the start
+  EXPECT_EQ(unread, 0);
   fake_.fail("SQLGetData", 3, fake::failure("22018", 9, "cannot"));  // b's second piece
   EXPECT_EQ(stmt_->Fetch(), Odbc::e_Error);
   EXPECT_EQ(getOdbcError(stmt_), recordText("[22018][9][cannot]"));
   int value = 7;
   EXPECT_EQ(stmt_->GetColumn(2)->GetData(value), Odbc::e_Null);
   EXPECT_EQ(value, 0);
+}
+
+TEST_F(Column, OfOtherCTypesNothingIsRead) {
+  for (const short cType : {short{SQL_C_SLONG}, short{SQL_C_UBIGINT}, short{SQL_C_FLOAT}}) {
+    fetchFirst({{{"c", 4, 10}}, {{fake::Cell::of(1)}, {fake::Cell::of(2)}}});
+    ASSERT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+    column_ = stmt_->GetColumn(1);
+    EXPECT_EQ(column_->SetCType(cType, 8), Odbc::e_Ok);
+    fake_.log.clear();
+    EXPECT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+    EXPECT_EQ(fake_.takeLog(), Log({"SQLFetch()"}));
+  }
 }
 
 TEST_F(Column, BigIntegersAreExact) {

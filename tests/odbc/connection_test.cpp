@@ -37,9 +37,24 @@ TEST_F(Connection, CallsOfAWholeLife) {
   EXPECT_EQ(dbc_->Connect("fake", "user", ""), Odbc::e_Ok);
   EXPECT_EQ(fake_.takeLog(), Log({"SQLEndTran(2,1)", "SQLFreeHandle(3)", "SQLDisconnect()",
                                   R"(SQLConnect("fake","user",""))", "SQLGetInfo(17,256)"}));
-  env_.reset();
-  EXPECT_EQ(fake_.takeLog(),
-            Log({"SQLEndTran(2,1)", "SQLDisconnect()", "SQLFreeHandle(2)", "SQLFreeHandle(1)"}));
+  dbc_->CreateStmt();
+  fake_.log.clear();
+  env_.reset();  // what was made on it goes first
+  EXPECT_EQ(fake_.takeLog(), Log({"SQLFreeHandle(3)", "SQLEndTran(2,1)", "SQLDisconnect()",
+                                  "SQLFreeHandle(2)", "SQLFreeHandle(1)"}));
+}
+
+TEST_F(Connection, RefusedConnectsAndDisconnects) {
+  connect();
+  fake_.answer("SQLEndTran", fake::failure("HY000", 1, "busy"));
+  fake_.answer("SQLDisconnect", fake::failure("25000", 2, "busy"));
+  EXPECT_EQ(dbc_->Disconnect(), Odbc::e_Ok);
+  EXPECT_FALSE(dbc_->IsConnected());
+  fake_.answer("SQLConnect", fake::failure("28000", 3, "password"));
+  EXPECT_EQ(dbc_->Connect("fake", "user", "wrong"), Odbc::e_Error);
+  EXPECT_FALSE(dbc_->IsConnected());
+  EXPECT_EQ(getOdbcError(dbc_), recordText("[28000][3][password]"));
+  EXPECT_EQ(dbc_->Connect("fake", "user", ""), Odbc::e_Ok);  // for the driver's own book
 }
 
 TEST_F(Connection, DatabaseTypeByName) {
@@ -54,6 +69,10 @@ TEST_F(Connection, DatabaseTypeByName) {
       {"DB2/LINUXX8664", "DB2"},
       {"Oracle", "ORACLE"},
       {"ORACLE and MYSQL", "ORACLE"},
+      {"Korvex WH on SQL Server", "OPX"},
+      {"DB2 on Korvex WH", "WH"},
+      {"Oracle DB2", "DB2"},
+      {"MySQL PostgreSQL", "POSTGRESQL"},
       {"postgresql", "POSTGRESQL"},
       {"MySQL", "MYSQL"},
       {"VltOdbc", "VELTA"},

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
@@ -21,6 +22,7 @@ class Node : public OdbcImpl {
       : OdbcImpl(parent), deletions_(deletions) {}
   ~Node() override {
     DeleteChildren();
+    deleted.push_back(this);
     if (deletions_ != nullptr) ++*deletions_;
   }
   e_Status Initialize() override { return e_Ok; }
@@ -35,6 +37,7 @@ class Node : public OdbcImpl {
   }
 
   static inline void* slot = nullptr;
+  static inline std::vector<OdbcImpl*> deleted;
   SQLHANDLE handle = nullptr;
 
  private:
@@ -45,14 +48,17 @@ TEST(HandleTree, DeletesEveryChildOnce) {
   int deletions = 0;
   Node root(nullptr);
   Node* first = new Node(&root, &deletions);
-  new Node(first, &deletions);
+  OdbcImpl* const inner = new Node(first, &deletions);
   for (int i = 0; i < 60; ++i) new Node(&root, &deletions);  // farewells must not upset the walk
   Node* gone = new Node(&root, &deletions);
   delete gone;
   EXPECT_EQ(deletions, 1);
   root.Notify(OdbcImpl::e_Created, nullptr);
+  Node::deleted.clear();
   root.DeleteChildren();
   EXPECT_EQ(deletions, 63);
+  std::erase_if(Node::deleted, [inner](OdbcImpl* node) { return node == inner; });
+  EXPECT_TRUE(std::is_sorted(Node::deleted.begin(), Node::deleted.end()));
   root.DeleteChildren();
   EXPECT_EQ(deletions, 63);
 }

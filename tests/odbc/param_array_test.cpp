@@ -146,9 +146,56 @@ TEST_F(ArrayParam, RefusesValuesOfAnotherSize) {
   ASSERT_EQ(sentRows().size(), 3u);
   EXPECT_TRUE(sentRows()[1][0].isNull());
   EXPECT_EQ(sentRows()[2][0].as<int>(), 3);
-  int untouched = 8;
-  EXPECT_EQ(param_->GetData(untouched), Odbc::e_Ok);
-  EXPECT_EQ(untouched, 8);
+}
+
+template <typename... Value>
+void expectUntouched(OdbcParam& param, Value... values) {
+  const auto expect = [&param](auto value) {
+    const auto before = value;
+    EXPECT_EQ(param.GetData(value), Odbc::e_Ok);
+    EXPECT_EQ(value, before);
+  };
+  (expect(values), ...);
+}
+
+TEST_F(ArrayParam, NothingIsReadBack) {
+  prepareOne(true);
+  param_->SetData(1, false);
+  expectUntouched(*param_, 'c', true, short{8}, 8, 8L, static_cast<unsigned char>(8),
+                  static_cast<unsigned short>(8), 8U, 8UL, 8.0);
+  ByteStore bytes = store("old");
+  EXPECT_EQ(param_->GetData(&bytes), Odbc::e_Ok);
+  EXPECT_STREQ(bytes.Text(), "old");
+  TIMESTAMP_STRUCT stamp = kStamp;
+  TIME_STRUCT time = kTime;
+  EXPECT_EQ(param_->GetData(stamp), Odbc::e_Ok);
+  EXPECT_EQ(param_->GetData(time), Odbc::e_Ok);
+  EXPECT_EQ(stamp.year, 2026);
+  EXPECT_EQ(time.second, 6);
+}
+
+TEST_F(ArrayParam, DescribesItselfUntilTheFirstRowDecides) {
+  prepareOne(true, 40);
+  short type = 9;
+  unsigned int size = 0;
+  int length = 0;
+  EXPECT_EQ(param_->GetSqlType(type, size, type), Odbc::e_Ok);
+  EXPECT_EQ(type, 0);  // the described type is not used
+  EXPECT_EQ(size, 40u);
+  EXPECT_EQ(param_->GetCType(type, length), Odbc::e_Ok);
+  EXPECT_EQ(length, 40);
+  param_->SetDirection(3);  // of no effect, and so does not decide
+  param_->SetDirection(SQL_PARAM_INPUT_OUTPUT);
+  short direction = 0;
+  param_->GetDirection(direction);
+  EXPECT_EQ(direction, SQL_PARAM_INPUT_OUTPUT);
+  param_->SetSqlType(SQL_VARCHAR, 50, 0);
+  param_->SetCType(SQL_C_CHAR, 0);
+  EXPECT_EQ(param_->SetData(static_cast<ByteStore*>(nullptr), false, false), Odbc::e_Ok);
+  count();
+  EXPECT_EQ(execute(), "SQLBindParameter(1,2,1,12,50,0,ptr,41,ptr)");
+  EXPECT_EQ(sentRows()[0][0].bytes, "");
+  EXPECT_FALSE(sentRows()[0][0].isNull());
 }
 
 TEST_F(ArrayParam, NeedsADriverThatDescribes) {

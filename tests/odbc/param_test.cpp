@@ -59,6 +59,59 @@ TEST_F(Param, SingleBindingFollowsTheBuffer) {
   EXPECT_EQ(sent().bytes, "");
 }
 
+TEST_F(Param, EveryChangeOfTheDescriptionBindsAgain) {
+  prepareOne(false);
+  param_->SetSqlType(SQL_VARCHAR, 9, 0);
+  param_->SetData(7, false);
+  fake_.answer("SQLBindParameter", fake::failure("HY000", 5, "no"));
+  EXPECT_EQ(stmt_->Execute(), Odbc::e_Error);
+  EXPECT_EQ(getOdbcError(param_), recordText("[HY000][5][no]"));
+  EXPECT_EQ(execute(),
+            "SQLBindParameter(1,1,-16,12,9,0,ptr,24,ptr)");  // a failed one does not hold
+  param_->SetData(7U, false);                                // another type in the same buffer
+  EXPECT_EQ(execute(), "SQLBindParameter(1,1,-18,12,9,0,ptr,24,ptr)");
+  param_->SetDirection(SQL_PARAM_INPUT_OUTPUT);
+  EXPECT_EQ(execute(), "SQLBindParameter(1,2,-18,12,9,0,ptr,24,ptr)");
+  param_->SetData(7L, false);
+  EXPECT_EQ(execute(), "SQLBindParameter(1,2,-25,12,9,0,ptr,0,ptr)");
+  param_->SetCType(SQL_C_SBIGINT, 8);  // another length alone; the value is gone
+  EXPECT_EQ(execute(), "SQLBindParameter(1,2,-25,12,9,0,ptr,8,ptr)");
+  EXPECT_TRUE(sent().isNull());
+  param_->SetData();
+  EXPECT_NE(execute(), "");
+  EXPECT_EQ(sent().as<long>(), 0);
+  EXPECT_FALSE(sent().isNull());
+}
+
+// What the setters have in common: they forget the record.
+TEST_F(Param, SettersForgetTheDiagnostics) {
+  using Operation = void (*)(OdbcStmt&, OdbcParam&);
+  constexpr Operation kOperations[] = {
+      [](OdbcStmt&, OdbcParam& p) { p.SetSqlType(SQL_INTEGER, 0, 0); },
+      [](OdbcStmt&, OdbcParam& p) { p.SetCType(SQL_C_SLONG, 0); },
+      [](OdbcStmt&, OdbcParam& p) { p.SetDirection(SQL_PARAM_INPUT); },
+      [](OdbcStmt&, OdbcParam& p) { p.SetData(1, false); },
+      [](OdbcStmt&, OdbcParam& p) { p.SetData(1, true); },
+      [](OdbcStmt& s, OdbcParam&) { s.IncrementBatchSize(); },
+      [](OdbcStmt& s, OdbcParam&) {
+        int rows = 0;
+        s.GetBatchSize(rows);
+      },
+  };
+  for (const bool batch : {false, true}) {
+    prepareOne(batch);
+    for (const Operation operation : kOperations) {
+      SCOPED_TRACE(&operation - kOperations);
+      fake_.answer("SQLRowCount", fake::failure("HY000", 6, "no"));
+      int count = 0;
+      EXPECT_EQ(stmt_->RowCount(count), Odbc::e_Error);
+      EXPECT_TRUE(param_->HasInfo());
+      operation(*stmt_, *param_);
+      EXPECT_FALSE(stmt_->HasInfo());
+    }
+  }
+}
+
 TEST_F(Param, NullBeforeAnyValue) {
   prepareOne(false);
   param_->SetSqlType(SQL_INTEGER, 0, 0);
@@ -150,6 +203,25 @@ TEST_F(Param, SingleValuesReadBack) {
   expect(-5000000000L);
   expect(~0UL);
   expect(2.5);
+  // Through other getters.
+  bool yes = false;
+  int number = 0;
+  param_->SetData(short{-300}, false);
+  EXPECT_EQ(param_->GetData(yes), Odbc::e_Ok);
+  EXPECT_TRUE(yes);
+  EXPECT_EQ(param_->GetData(number), Odbc::e_Ok);
+  EXPECT_EQ(number, -300);
+  param_->SetData(char{0}, false);
+  EXPECT_EQ(param_->GetData(yes), Odbc::e_Ok);
+  EXPECT_FALSE(yes);
+  param_->SetData(char{-3}, false);
+  EXPECT_EQ(param_->GetData(number), Odbc::e_Ok);
+  EXPECT_EQ(number, -3);
+  double real = 1;
+  param_->SetCType(SQL_C_FLOAT, 0);
+  param_->SetData();
+  EXPECT_EQ(param_->GetData(real), Odbc::e_Ok);
+  EXPECT_EQ(real, 0);
 }
 
 }  // namespace

@@ -75,6 +75,46 @@ TEST_F(Statement, DescribesTheCurrentResult) {
   EXPECT_EQ(name.size(), 254u);
 }
 
+TEST_F(Statement, ColumnsAreMadeAllOrNone) {
+  fake_.results["select"] = {kTwoRows};
+  prepare("select");
+  int count = 77;
+  fake_.answer("SQLNumResultCols", {SQL_NO_DATA, {}});
+  EXPECT_EQ(stmt_->GetColumnCount(count), Odbc::e_NoData);
+  EXPECT_EQ(count, 77);
+  EXPECT_EQ(stmt_->Execute(), Odbc::e_Ok);
+  fake_.fail("SQLDescribeCol", 2, fake::failure("HY000", 4, "no"));
+  fake_.log.clear();
+  EXPECT_EQ(stmt_->Fetch(), Odbc::e_Error);
+  EXPECT_EQ(fake_.takeLog().back(), "SQLFreeStmt(2)");
+  EXPECT_EQ(getOdbcError(stmt_), recordText("[HY000][4][no]"));
+  EXPECT_EQ(stmt_->GetColumn(1), nullptr);
+  EXPECT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+  EXPECT_NE(stmt_->GetColumn(2), nullptr);
+}
+
+TEST_F(Statement, HandlesByKind) {
+  using KORVEX::Zel::DB::ODBC::OdbcImpl;
+  fetchFirst(kTwoRows);
+  ASSERT_EQ(stmt_->Fetch(), Odbc::e_Ok);
+  const auto impl = [](Odbc* object) { return dynamic_cast<OdbcImpl*>(object); };
+  OdbcImpl* const objects[] = {impl(env_.get()), impl(dbc_), impl(stmt_),
+                               impl(stmt_->GetColumn(1))};
+  const SQLHANDLE own[] = {objects[0]->GetHandle(), objects[1]->GetHandle(),
+                           objects[2]->GetHandle()};
+  for (const std::size_t at : {0U, 1U, 2U, 3U}) {
+    SCOPED_TRACE(at);
+    EXPECT_EQ(objects[at]->GetHandleType(), at < 3 ? at + 1 : 0);
+    for (const int kind : {0, 1, 2, 3, 4}) {
+      const bool holds = kind > 0 && kind <= 3 && static_cast<std::size_t>(kind) <= at + 1;
+      EXPECT_EQ(objects[at]->GetHandle(static_cast<OdbcImpl::e_Handle>(kind)),
+                holds ? own[kind - 1] : nullptr)
+          << kind;
+    }
+  }
+  EXPECT_EQ(objects[3]->GetHandle(), nullptr);
+}
+
 TEST_F(Statement, RowCountsAreNarrowed) {
   struct Case {
     SQLLEN rows;
