@@ -41,6 +41,22 @@ TEST(ByteStore, GrowsInStatedSteps) {
   EXPECT_EQ(store.Append(nullptr, 5), 3u);
   EXPECT_EQ(store.Append(bytes("x"), 0), 3u);
 
+  // Contents as long as the block leave no room for the terminator.
+  const std::string slack(1025, 's');
+  using Lengthen = unsigned int (*)(ByteStore&, const std::string&);
+  for (const Lengthen lengthen : std::initializer_list<Lengthen>{
+           [](ByteStore& s, const std::string& more) {
+             return s.Append(bytes(more.c_str()), static_cast<unsigned int>(more.size()));
+           },
+           [](ByteStore& s, const std::string&) { return s.ExtendUnset(1028); },
+           [](ByteStore& s, const std::string&) {
+             return s.ReplaceUnset(1028) == s.Data() ? s.Length() : 0U;
+           }}) {
+    ByteStore full("abc", 3);
+    EXPECT_EQ(lengthen(full, slack), 1028u);
+    expectInvariant(full);
+  }
+
   ByteStore fresh;
   EXPECT_EQ(fresh.Grow(10), 11u);
   EXPECT_EQ(fresh.Capacity(), 1035u);

@@ -131,7 +131,7 @@ TEST_F(Diagnostics, StatusOfEveryReturnCode) {
 }
 
 TEST_F(Diagnostics, ReadsMessagesWhole) {
-  for (const std::size_t length : {0U, 511U, 512U, 513U, 5000U, 32000U}) {
+  for (const std::size_t length : {0U, 511U, 512U, 513U, 5000U, 32000U, 600U}) {
     SCOPED_TRACE(length);
     const std::string message(length, 'm');
     leave({{"HY000", 0x7FFFFFFF, message}});

@@ -184,7 +184,8 @@ TEST_F(ArrayParam, DescribesItselfUntilTheFirstRowDecides) {
   EXPECT_EQ(size, 40u);
   EXPECT_EQ(param_->GetCType(type, length), Odbc::e_Ok);
   EXPECT_EQ(length, 40);
-  param_->SetDirection(3);  // of no effect, and so does not decide
+  param_->SetCType(-154, 5);  // of no effect, and so do not decide
+  param_->SetDirection(3);
   param_->SetDirection(SQL_PARAM_INPUT_OUTPUT);
   short direction = 0;
   param_->GetDirection(direction);

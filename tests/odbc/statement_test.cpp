@@ -148,8 +148,23 @@ TEST_F(Statement, PreparesAnew) {
   EXPECT_EQ(getOdbcError(stmt_), recordText("[42000][1][syntax]"));
   EXPECT_EQ(stmt_->GetParam(1), nullptr);
   fake_.log.clear();
+  fake_.answer("SQLPrepare", fake::failureWithoutRecord());
+  EXPECT_EQ(stmt_->Execute(), Odbc::e_Error);
+  EXPECT_EQ(fake_.takeLog(), Log({R"(SQLPrepare("bad"))"}));
   EXPECT_EQ(stmt_->Execute(), Odbc::e_Ok);  // tries again
   EXPECT_EQ(fake_.takeLog(), Log({R"(SQLPrepare("bad"))", "SQLNumParams()", "SQLExecute()"}));
+}
+
+TEST_F(Statement, BindsUpToTheFirstRefusal) {
+  prepare("insert ?,?");
+  fake_.answer("SQLBindParameter", fake::failure("HY000", 5, "no"));
+  EXPECT_EQ(stmt_->Execute(), Odbc::e_Error);
+  EXPECT_EQ(getOdbcError(stmt_), recordText("[HY000][5][no]"));
+  EXPECT_EQ(fake_.takeLog().size(), 1u);
+  prepare("insert", true);  // without parameters there is nothing to lay out
+  EXPECT_EQ(stmt_->IncrementBatchSize(), Odbc::e_Ok);
+  EXPECT_EQ(stmt_->Execute(), Odbc::e_Ok);
+  EXPECT_EQ(fake_.takeLog(), Log({"SQLExecute()"}));
 }
 
 TEST_F(Statement, ReportsHowClosingWent) {
