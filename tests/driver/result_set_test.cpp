@@ -107,6 +107,7 @@ TEST_F(OdbcResultSetTest, ReadsEveryFamilyFromItsColumnsAndTheirRelatives) {
       {"boolean of an integer column", kInt, fake::Cell::of(1), kBoolean, failed("")},
       {"string", kText, "h\xC3\xA9", kString, "h\xC3\xA9"},
       {"empty string", kText, "", kString, ""},
+      {"string with a NUL", kText, std::string("a\0b", 3), kString, "a"},
       {"string of int64", kBig, "-9223372036854775808", kString, "-9223372036854775808"},
       {"string of a double", kReal, fake::Cell::of(0.1), kString, "0.1"},
       {"string of a timestamp", kStamp, timestampCell(1999, 12, 31, 1, 2, 3, 500000), kString,

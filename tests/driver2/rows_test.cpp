@@ -97,6 +97,7 @@ TEST_F(RowsTest, ReadsEveryTypeInBothFormsAndModes) {
       {"too many digits", column(SQL_DECIMAL), std::string(200, '9'), createFixedDecimal(34, 2),
        kPastFirst, "dbaccess|input exceeds specified precision"},
       {"empty text", kText, "", kString, "", ""},
+      {"a NUL within", kText, std::string("a\0b", 3), kString, "a", "a"},
       {"127 bytes", kText, std::string(127, 'x'), kString, std::string(127, 'x'),
        std::string(127, 'x')},
       {"128 bytes", kText, std::string(128, 'x'), kString, kPastFirst, std::string(128, 'x')},
