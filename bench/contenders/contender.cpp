@@ -126,7 +126,7 @@ auto writing(Make make) {
 
 int batchRows() {
   const char* rows = std::getenv("BENCH_BATCH_ROWS");
-  return rows == nullptr ? bench::kBatchRows : std::atoi(rows);
+  return rows == nullptr ? bench::kBatchRows : std::stoi(rows);
 }
 
 const Row kRows[] = {
@@ -169,13 +169,13 @@ void answer(Contender& contender) {
     std::string command;
     words >> command;
     if (command == "memory") {
-      std::cout << peakKib() << std::endl;
+      std::cout << peakKib() << '\n' << std::flush;
       continue;
     }
     const auto start = std::chrono::steady_clock::now();
     contender.run(command, words);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    std::cout << elapsed.count() << std::endl;
+    std::cout << elapsed.count() << '\n' << std::flush;
   }
 }
 

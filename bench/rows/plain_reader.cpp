@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <new>
 
 #include "rows/kinds.h"
 #include "rows/reader.h"
@@ -100,7 +101,7 @@ class PlainLongReader : public Reader {
     constexpr SQLLEN kFirstBytes = 8001;
     SQLLEN used = 0;
     SQLLEN room = kFirstBytes;
-    auto* text = static_cast<char*>(std::malloc(static_cast<std::size_t>(room)));
+    char* text = resized(nullptr, room);
     for (;;) {
       SQLLEN left = 0;
       const SQLRETURN rc = SQLGetData(stmt, 1, SQL_C_CHAR, text + used, room - used, &left);
@@ -109,9 +110,15 @@ class PlainLongReader : public Reader {
       const SQLLEN total = left == SQL_NO_TOTAL ? room * 2 : used + left + 1;
       used = room - 1;
       room = total;
-      text = static_cast<char*>(std::realloc(text, static_cast<std::size_t>(room)));
+      text = resized(text, room);
     }
     std::free(text);
+  }
+
+  static char* resized(char* text, SQLLEN bytes) {
+    void* block = std::realloc(text, static_cast<std::size_t>(bytes));
+    if (block == nullptr) throw std::bad_alloc();
+    return static_cast<char*>(block);
   }
 
   PlainSession session_;

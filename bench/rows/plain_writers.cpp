@@ -72,19 +72,19 @@ struct Arrays {
 struct Column {
   SQLSMALLINT cType;
   SQLSMALLINT sqlType;
-  SQLULEN size;
   SQLSMALLINT digits;
+  SQLULEN size;
   SQLLEN bytes;
 };
 
 constexpr Column kColumnsBound[kColumns] = {
-    {SQL_C_SLONG, SQL_INTEGER, 10, 0, 0},
-    {SQL_C_SBIGINT, SQL_BIGINT, 19, 0, 0},
-    {SQL_C_DOUBLE, SQL_DOUBLE, 15, 0, 0},
-    {SQL_C_CHAR, SQL_VARCHAR, 20, 0, kTextBytes},
-    {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 26, 6, 0},
-    {SQL_C_CHAR, SQL_DECIMAL, 18, 4, kDecimalBytes},
-    {SQL_C_BIT, SQL_TINYINT, 3, 0, 0},
+    {SQL_C_SLONG, SQL_INTEGER, 0, 10, 0},
+    {SQL_C_SBIGINT, SQL_BIGINT, 0, 19, 0},
+    {SQL_C_DOUBLE, SQL_DOUBLE, 0, 15, 0},
+    {SQL_C_CHAR, SQL_VARCHAR, 0, 20, kTextBytes},
+    {SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 6, 26, 0},
+    {SQL_C_CHAR, SQL_DECIMAL, 4, 18, kDecimalBytes},
+    {SQL_C_BIT, SQL_TINYINT, 0, 3, 0},
 };
 
 struct Described {

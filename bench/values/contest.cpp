@@ -39,8 +39,10 @@ int repeatsOf(const std::function<void()>& work) {
 
 double medianNanoseconds(const std::function<void()>& work) {
   const int repeats = repeatsOf(work);
+  constexpr int kSamples = 41;
   std::vector<double> times;
-  for (int round = 0; round < 41; ++round) times.push_back(nanoseconds(work, repeats));
+  times.reserve(kSamples);
+  for (int round = 0; round < kSamples; ++round) times.push_back(nanoseconds(work, repeats));
   return median(times);
 }
 
@@ -63,11 +65,13 @@ bool run(const Contest& contest) {
   }
   const std::size_t count = contest.contenders.size();
   std::vector<int> repeats;
+  repeats.reserve(count);
   for (const auto& contender : contest.contenders) repeats.push_back(repeatsOf(contender.work));
   // Ratios within a round: what slows the machine for a while slows all contenders.
   std::vector<std::vector<double>> ratios(count);
   for (int round = 0; round < kRounds; ++round) {
     std::vector<double> times;
+    times.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
       times.push_back(nanoseconds(contest.contenders[i].work, repeats[i]));
     for (std::size_t i = 0; i < count; ++i) ratios[i].push_back(times[i] / times[0]);

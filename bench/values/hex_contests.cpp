@@ -15,16 +15,14 @@ bool decodeByTable(const char* text, unsigned char* out) {
   static const auto table = [] {
     std::array<signed char, 256> nibbles{};
     nibbles.fill(-1);
-    for (int i = 0; i < 10; ++i)
-      nibbles[static_cast<std::size_t>('0' + i)] = static_cast<signed char>(i);
-    for (int i = 0; i < 6; ++i)
-      nibbles[static_cast<std::size_t>('A' + i)] = nibbles[static_cast<std::size_t>('a' + i)] =
-          static_cast<signed char>(10 + i);
+    for (std::size_t i = 0; i < 10; ++i) nibbles['0' + i] = static_cast<signed char>(i);
+    for (std::size_t i = 0; i < 6; ++i)
+      nibbles['A' + i] = nibbles['a' + i] = static_cast<signed char>(10 + i);
     return nibbles;
   }();
   for (; *text != '\0'; text += 2) {
-    const int high = table[static_cast<unsigned char>(text[0])];
-    const int low = table[static_cast<unsigned char>(text[1])];
+    const signed char high = table[static_cast<unsigned char>(text[0])];
+    const signed char low = table[static_cast<unsigned char>(text[1])];
     if (high < 0 || low < 0) return false;
     *out++ = static_cast<unsigned char>(high << 4 | low);
   }

@@ -109,7 +109,7 @@ bool timestampContests() {
 }
 
 bool pictureContests() {
-  constexpr const char* kPicture = "YYYY-MM-DD HH24:MI:SS.FF3";
+  static constexpr const char* kPicture = "YYYY-MM-DD HH24:MI:SS.FF3";
   constexpr const char* kZone = "Europe/Paris";
   const auto values = batchOf([] { return static_cast<long>(random64() % kLast); });
   // The caller's text, which all of them are given and keep the memory of.

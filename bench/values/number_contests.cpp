@@ -139,6 +139,7 @@ bool moneyContests() {
   const auto values =
       batchOf([] { return static_cast<long>(random64()) >> (8 + random64() % 30); });
   std::vector<std::string> texts;
+  texts.reserve(values.size());
   for (const long value : values) {
     char out[64];
     printMoney(value, kDecimals, kFactor, out, sizeof out);
@@ -201,6 +202,7 @@ bool integerContests() {
            keep(out.c_str());
          })}}});
   std::vector<std::string> texts;
+  texts.reserve(values.size());
   for (const long value : values) texts.push_back(std::to_string(value));
   const auto read = [](auto parse) {
     return [parse](const std::string& text) {
