@@ -204,6 +204,7 @@ const Parameters* BatchSender::parse(BatchRecord& record) {
 }
 
 void BatchSender::nameFaults(Batch part) {
+  if (rejects_ == nullptr) return;  // then no record keeps its fault
   for (const BatchRecord& record : part) {
     if (record.fault) {
       rejects_->add(record.record.line, *record.fault);

@@ -102,14 +102,15 @@ class Completion {
   }
 
   std::vector<Candidate> services(const std::string& suffix) const {
-    std::vector<Candidate> found;
     try {
+      std::vector<Candidate> found;
       for (const auto& entry : ServicesFile(services_).entries()) {
         found.push_back({entry.name + suffix, {}});
       }
-    } catch (const Failure&) {  // who completes a word is not to be told of a missing file
+      return found;
+    } catch (const Failure&) {
+      return {};  // who completes a word is not to be told of a missing file
     }
-    return found;
   }
 
   const CLI::App* app_;

@@ -37,7 +37,7 @@ bool loadOnce(const char* library) {
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
-  const int count = std::atoi(argv[2]);
+  const int count = static_cast<int>(std::strtol(argv[2], nullptr, 10));
   long resident = 0;
   long files = 0;
   for (int round = 0; round < count; ++round) {

@@ -51,7 +51,8 @@ int main(int argc, char** argv) {
   zeldb::PlugIn plugIn(zeldb::PlugIn::defaultLibrary());
   {
     const Login login(argv[2]);
-    const auto session = endurance::makeSession(std::atoi(argv[1]), plugIn.driver(), login);
+    const auto session = endurance::makeSession(static_cast<int>(std::strtol(argv[1], nullptr, 10)),
+                                                plugIn.driver(), login);
     if (!session->open() || !session->run("select nothing from nowhere")) {
       std::printf("%s\n", session->failure().text.c_str());
     }

@@ -101,6 +101,6 @@ int main(int argc, char** argv) {
   std::FILE* const record = std::fopen(argv[4], "w");
   if (record == nullptr) return 2;
   endurance::recordLogs();
-  Writer(std::atoi(argv[1]), argv[2], argv[3], record).run();
+  Writer(static_cast<int>(std::strtol(argv[1], nullptr, 10)), argv[2], argv[3], record).run();
   return std::fclose(record);
 }

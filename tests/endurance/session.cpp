@@ -134,7 +134,7 @@ class SecondSession : public Session {
   bool write(const std::string& table, int batch, int parts) override {
     PreparedStatement* const insert =
         connection_->createPreparedStatement(insertInto(table).c_str(), error_);
-    if (!ended(insert != nullptr)) return false;
+    if (insert == nullptr) return ended(false);
     bool well = true;
     for (int part = 0; part < parts && well; ++part) {
       const std::string note = noteOf(batch, part);
@@ -160,7 +160,7 @@ class SecondSession : public Session {
 
   bool run(const std::string& sql) override {
     PreparedStatement* const statement = connection_->createPreparedStatement(sql.c_str(), error_);
-    if (!ended(statement != nullptr)) return false;
+    if (statement == nullptr) return ended(false);
     const bool well = ended(statement->execute(error_) == 0);
     return released(statement) && well;
   }

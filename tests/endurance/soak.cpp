@@ -206,7 +206,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   endurance::recordLogs();
-  const bool well = Soak(std::atoi(argv[1]), {argv + 2, argv + argc}).run();
+  const bool well =
+      Soak(static_cast<int>(std::strtol(argv[1], nullptr, 10)), {argv + 2, argv + argc}).run();
   std::fflush(stdout);
   return well ? EXIT_SUCCESS : EXIT_FAILURE;
 }

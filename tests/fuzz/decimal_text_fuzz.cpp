@@ -1,5 +1,7 @@
 // Decimal, money and floating-point text: the fast forms against the plain ones.
 
+#include <bit>
+
 #include "datatypes/decimal_text.h"
 #include "datatypes/number_text.h"
 #include "fuzz_input.h"
@@ -34,6 +36,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(money[0] == money[1]);
   double number[2] = {};
   require(parseDouble(text.c_str(), number[0]) == parseDoublePlain(text.c_str(), number[1]));
-  require(std::memcmp(&number[0], &number[1], sizeof(double)) == 0);
+  require(std::bit_cast<std::uint64_t>(number[0]) == std::bit_cast<std::uint64_t>(number[1]));
   return 0;
 }

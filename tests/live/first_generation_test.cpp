@@ -54,6 +54,7 @@ class FirstGeneration : public testing::TestWithParam<std::tuple<const Quirks*, 
 
   void expectRows(int count) {
     std::vector<unsigned int> types;
+    types.reserve(columns_.size());
     for (const LiveColumn& column : columns_) types.push_back(column.type);
     const RowDescriptor descriptor(types);
     ResultSet* rows = nullptr;

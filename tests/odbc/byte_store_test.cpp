@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 namespace {
@@ -272,29 +273,26 @@ TEST(ByteStore, WritesLengthFields) {
     unsigned int offset;
     unsigned int adjust;
     unsigned int length;
-    std::string field;
+    std::array<char, 4> field;
   };
-  const auto field = [](const char* four) { return std::string(four, 4); };
   const Case cases[] = {
-      {"whole", 10, &ByteStore::SlamVli, 0, 0, 10, field("\x0A\0\0\0")},
-      {"from the field", 10, &ByteStore::SlamVliIncl, 2, 0, 10, field("\x08\0\0\0")},
-      {"behind the field", 10, &ByteStore::SlamVliExcl, 0, 0, 10, field("\x06\0\0\0")},
-      {"the field itself counts", 0, &ByteStore::SlamVli, 0, 0, 4, field("\x04\0\0\0")},
-      {"nothing behind the field", 10, &ByteStore::SlamVliExcl, 8, 0, 12, field("\0\0\0\0")},
-      {"adjusted", 10, &ByteStore::SlamVli, 0, 3, 10, field("\x07\0\0\0")},
-      {"never below 0", 10, &ByteStore::SlamVli, 0, 20, 10, field("\0\0\0\0")},
-      {"most significant first", 10, &ByteStore::SlamMiVli, 0, 0, 10, field("\0\0\0\x0A")},
-      {"most significant first, from", 10, &ByteStore::SlamMiVliIncl, 2, 1, 10,
-       field("\0\0\0\x07")},
-      {"most significant first, behind", 10, &ByteStore::SlamMiVliExcl, 2, 0, 10,
-       field("\0\0\0\x04")},
+      {"whole", 10, &ByteStore::SlamVli, 0, 0, 10, {10, 0, 0, 0}},
+      {"from the field", 10, &ByteStore::SlamVliIncl, 2, 0, 10, {8, 0, 0, 0}},
+      {"behind the field", 10, &ByteStore::SlamVliExcl, 0, 0, 10, {6, 0, 0, 0}},
+      {"the field itself counts", 0, &ByteStore::SlamVli, 0, 0, 4, {4, 0, 0, 0}},
+      {"nothing behind the field", 10, &ByteStore::SlamVliExcl, 8, 0, 12, {0, 0, 0, 0}},
+      {"adjusted", 10, &ByteStore::SlamVli, 0, 3, 10, {7, 0, 0, 0}},
+      {"never below 0", 10, &ByteStore::SlamVli, 0, 20, 10, {0, 0, 0, 0}},
+      {"most significant first", 10, &ByteStore::SlamMiVli, 0, 0, 10, {0, 0, 0, 10}},
+      {"most significant first, from", 10, &ByteStore::SlamMiVliIncl, 2, 1, 10, {0, 0, 0, 7}},
+      {"most significant first, behind", 10, &ByteStore::SlamMiVliExcl, 2, 0, 10, {0, 0, 0, 4}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     ByteStore store;
     store.Extend(c.start, 'x');
     EXPECT_EQ((store.*c.write)(c.offset, c.adjust), c.length);
-    EXPECT_EQ(contents(store).substr(c.offset, 4), c.field);
+    EXPECT_EQ(contents(store).substr(c.offset, 4), std::string(c.field.data(), 4));
   }
   ByteStore store("abc", 3);
   EXPECT_EQ(store._SlamVli(0, 0, 3, false), 0u);

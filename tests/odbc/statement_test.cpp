@@ -7,7 +7,6 @@ namespace {
 using odbc_test::getOdbcError;
 using odbc_test::Log;
 using odbc_test::Odbc;
-using odbc_test::OdbcStmt;
 using odbc_test::OdbcTest;
 using odbc_test::recordText;
 
@@ -105,11 +104,10 @@ TEST_F(Statement, HandlesByKind) {
   for (const std::size_t at : {0U, 1U, 2U, 3U}) {
     SCOPED_TRACE(at);
     EXPECT_EQ(objects[at]->GetHandleType(), at < 3 ? at + 1 : 0);
-    for (const int kind : {0, 1, 2, 3, 4}) {
-      const bool holds = kind > 0 && kind <= 3 && static_cast<std::size_t>(kind) <= at + 1;
-      EXPECT_EQ(objects[at]->GetHandle(static_cast<OdbcImpl::e_Handle>(kind)),
-                holds ? own[kind - 1] : nullptr)
-          << kind;
+    EXPECT_EQ(objects[at]->GetHandle(OdbcImpl::e_None), nullptr);
+    for (const OdbcImpl::e_Handle kind : {OdbcImpl::e_Env, OdbcImpl::e_Dbc, OdbcImpl::e_Stmt}) {
+      const auto number = static_cast<std::size_t>(kind);
+      EXPECT_EQ(objects[at]->GetHandle(kind), number <= at + 1 ? own[number - 1] : nullptr) << kind;
     }
   }
   EXPECT_EQ(objects[3]->GetHandle(), nullptr);

@@ -133,6 +133,7 @@ Execution FakeOdbc::snapshot(const Handle& statement) const {
   if (statement.bindings.empty()) return execution;
   for (std::size_t row = 0; row < statement.paramsetSize; ++row) {
     std::vector<BoundValue> values;
+    values.reserve(statement.bindings.size());
     for (const auto& [number, binding] : statement.bindings) {
       values.push_back(readValue(binding, row));
     }

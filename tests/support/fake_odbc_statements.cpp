@@ -67,7 +67,7 @@ SQLRETURN SQLNumParams(SQLHSTMT stmt, SQLSMALLINT* count) {
   Call call("SQLNumParams", SQL_HANDLE_STMT, stmt, "");
   if (call.refused()) return call.rc();
   give(count, self().describeParams(call->key).size());
-  if (self().lies.paramCount) give(count, *self().lies.paramCount);
+  if (const auto& lie = self().lies.paramCount) give(count, *lie);
   return call.rc();
 }
 
@@ -117,7 +117,7 @@ SQLRETURN SQLNumResultCols(SQLHSTMT stmt, SQLSMALLINT* count) {
   if (call.refused()) return call.rc();
   const fake::Result* result = self().currentResult(&*call);
   give(count, result == nullptr ? 0 : result->columns.size());
-  if (self().lies.columnCount) give(count, *self().lies.columnCount);
+  if (const auto& lie = self().lies.columnCount) give(count, *lie);
   return call.rc();
 }
 

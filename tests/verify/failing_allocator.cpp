@@ -45,6 +45,7 @@ std::uint64_t FailingAllocator::disarm() {
 }  // namespace verify
 
 // The program's own operator new; that of the C++ library calls malloc where no --wrap reaches.
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the linker's, of --wrap
 extern "C" void* __real_malloc(std::size_t bytes);
 extern "C" void* __real_realloc(void* block, std::size_t bytes);
 extern "C" void* __real_calloc(std::size_t count, std::size_t bytes);
@@ -65,6 +66,7 @@ extern "C" void* __wrap_calloc(std::size_t count, std::size_t bytes) {
 extern "C" char* __wrap_strdup(const char* text) {
   return failsNow() ? nullptr : __real_strdup(text);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 void* operator new(std::size_t bytes) {
   void* const block = failsNow() ? nullptr : __real_malloc(bytes);

@@ -25,7 +25,8 @@ constexpr Row kChecks[] = {
 }  // namespace
 
 int main(int argc, char** argv) {
-  verify::Check::output = fdopen(dup(STDOUT_FILENO), "w");
+  const int output = dup(STDOUT_FILENO);
+  verify::Check::output = output < 0 ? nullptr : fdopen(output, "w");
   if (verify::Check::output == nullptr || std::freopen("/dev/null", "w", stdout) == nullptr)
     return 2;
   verify::Options options;

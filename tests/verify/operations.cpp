@@ -6,8 +6,6 @@
 namespace verify {
 namespace {
 
-using DataTypes::DataValue;
-
 Outcome of(ResultCode result) {
   if (result == kSuccess) return Outcome::kDone;
   return result == kFailure ? Outcome::kRefused : Outcome::kImpossible;
