@@ -193,7 +193,6 @@ bool parseDecimalPlain(const char* text, int scale, Uint128& coefficient) {
 // before those, and what is left. At most 38 digits fit 128 bits, so that nothing can overflow.
 static bool parseLongDecimal(const char* text, std::size_t length, unsigned scale, Uint128& value) {
   constexpr std::uint64_t kTen15 = 1'000'000'000'000'000;
-  constexpr std::uint64_t kTen16 = kTen15 * 10;
   const char* const end = text + length;
   const __m128i last = windowAt(end - kWindow);
   std::uint64_t tail = 0;

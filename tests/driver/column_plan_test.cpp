@@ -68,7 +68,8 @@ TEST(ColumnPlan, ReadsBytesOfEveryKindAsTheGeneralReadersDo) {
       // Small numbers are as likely as large ones, and texts are digits.
       const std::uint64_t small[] = {words[0] >> (round % 64), 0};
       CellContent column = contentOf(cType, round % 2 != 0 ? words : small, sizeof words);
-      if (cType == SQL_C_CHAR) column = contentOf(cType, "1234567890123456", round % 17);
+      if (cType == SQL_C_CHAR)
+        column = contentOf(cType, "1234567890123456", static_cast<unsigned>(round % 17));
       expectAlikeForAllTypes(column);
     }
     CellContent null = contentOf(cType, "12345678", 8);
