@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <iostream>
 #include <iterator>
 
 #include "datatypes/data_types.h"
 #include "driver2/rows_by_type.h"
 #include "driver2/timestamp_structure.h"
+#include "odbc/data_value_bytes.h"
 
 namespace KORVEX::Zel::DB {
 
@@ -25,8 +25,8 @@ int fixed(unsigned int, const DataValue&) {
 }
 
 int textLength(unsigned int, const DataValue& value) {
-  const bool hasText = !value.isNull() && value.string != nullptr;
-  return hasText ? static_cast<int>(std::strlen(value.string)) : 0;
+  const auto text = ODBC::dataValueBytes(DataTypes::kString, value, value.isNull());
+  return static_cast<int>(text->bytes.size());
 }
 
 int byteLength(unsigned int, const DataValue& value) {

@@ -117,7 +117,10 @@ class PlainLongReader : public Reader {
 
   static char* resized(char* text, SQLLEN bytes) {
     void* block = std::realloc(text, static_cast<std::size_t>(bytes));
-    if (block == nullptr) throw std::bad_alloc();
+    if (block == nullptr) {
+      std::free(text);
+      throw std::bad_alloc();
+    }
     return static_cast<char*>(block);
   }
 

@@ -55,6 +55,12 @@ inline Parameter stringParameter(const char* text) {
   return parameter(DataTypes::kString, &DataTypes::DataValue::string, text);
 }
 
+// A result column, shown with a sign and a point.
+inline fake::ColumnDescription column(SQLSMALLINT sqlType, SQLULEN size = 0, SQLSMALLINT digits = 0,
+                                      bool isUnsigned = false) {
+  return {"c", sqlType, size, digits, static_cast<SQLLEN>(size + 2), isUnsigned, SQL_NULLABLE};
+}
+
 // A driver, a log, and the scripted ODBC below; whatever a test leaves open is a fault.
 class DriverFixture : public ::testing::Test {
  protected:

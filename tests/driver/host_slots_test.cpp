@@ -38,10 +38,6 @@ class HostSlotsTest : public DriverFixture {
   std::unique_ptr<OdbcStatement> statement;
 };
 
-fake::ColumnDescription column(SQLSMALLINT sqlType) {
-  return {"c", sqlType, 30, 2, 32, false, SQL_NULLABLE};
-}
-
 TEST_F(HostSlotsTest, EachReaderReadsItsType) {
   using R = ResultSet;
   struct Case {
@@ -74,7 +70,7 @@ TEST_F(HostSlotsTest, EachReaderReadsItsType) {
   open();
   fake::Result result = {{}, {{}}};
   for (const Case& c : kCases) {
-    result.columns.push_back(column(c.sqlType));
+    result.columns.push_back(column(c.sqlType, 30, 2));
     result.rows[0].push_back(c.cell);
   }
   odbc.results["q"] = {result};

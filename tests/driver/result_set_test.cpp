@@ -46,11 +46,6 @@ class OdbcResultSetTest : public DriverFixture {
   }
 };
 
-fake::ColumnDescription column(SQLSMALLINT sqlType, SQLULEN size = 0, SQLSMALLINT digits = 0,
-                               bool isUnsigned = false) {
-  return {"c", sqlType, size, digits, static_cast<SQLLEN>(size + 2), isUnsigned, SQL_NULLABLE};
-}
-
 fake::Cell timestampCell(short year, unsigned short month, unsigned short day, unsigned short hour,
                          unsigned short minute, unsigned short second, unsigned fraction) {
   return fake::Cell::of(TIMESTAMP_STRUCT{year, month, day, hour, minute, second, fraction});
